@@ -1,0 +1,37 @@
+#include "cli_interface.h"
+
+#include <cstdio>
+
+namespace korvatek::cli {
+
+namespace {
+
+// The window joins message lines with carriage returns; the terminal wants line feeds.
+void printLine(const std::string& text) {
+    std::string line = text;
+    for (char& c : line)
+        if (c == '\r') c = '\n';
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+}  // namespace
+
+void CliInterface::showMessage(const std::string& text, const std::string& title) {
+    ScriptedInterface::showMessage(text, title);
+    if (text == m_successText) return;  // the exit status says it
+    printLine(text);
+}
+
+bool CliInterface::askOkCancel(const std::string& text) {
+    questions.push_back(text);
+    if (!answers.empty()) {
+        const bool answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    if (!alphaQuestion.empty() && text == alphaQuestion) return alphaAnswer;
+    printLine(text);
+    return true;
+}
+
+}  // namespace korvatek::cli

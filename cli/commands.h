@@ -1,0 +1,32 @@
+#pragma once
+// The subcommands of korvatek-cli. Each returns the exit status: 0 done, 1 failed or refused,
+// 2 bad usage.
+
+#include <string>
+#include <vector>
+
+namespace korvatek::cli {
+
+using Words = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* usage;    // after "korvatek-cli "
+    const char* summary;
+    int (*run)(const Words& words);
+};
+
+const std::vector<Command>& commands();
+
+// Prints "usage: korvatek-cli <usage>" on stderr and returns 2.
+int usageError(const Command& command, const std::string& why = {});
+const Command& commandNamed(const char* name);
+
+int runInfo(const Words& words);
+int runPictures(const Words& words);
+int runPicture(const Words& words);
+int runExport(const Words& words);
+int runDecode(const Words& words);
+int runDemoFlash(const Words& words);
+
+}  // namespace korvatek::cli

@@ -1,0 +1,73 @@
+// korvatek-cli: the window's scriptable twin. Same core, same Workspace, same bytes; every
+// dialog answer is given as an argument.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "commands.h"
+
+namespace korvatek::cli {
+
+namespace {
+
+void printHelp(std::FILE* out) {
+    std::fprintf(out, "usage: korvatek-cli COMMAND [ARGS...]\n\ncommands:\n");
+    for (const Command& c : commands()) std::fprintf(out, "  %-12s %s\n", c.name, c.summary);
+    std::fprintf(out, "\n'korvatek-cli COMMAND --help' shows the arguments of a command.\n");
+}
+
+}  // namespace
+
+const std::vector<Command>& commands() {
+    static const std::vector<Command> list{
+        {"info", "info FLASH", "open and identify a fullflash", runInfo},
+        {"pictures", "pictures FLASH", "list the picture table", runPictures},
+        {"picture", "picture FLASH N", "decode picture N and print its information", runPicture},
+        {"export", "export FLASH N -o OUT.gpf2|OUT.bmp [--alpha]\n       korvatek-cli export FLASH all --dir DIR --format gpf2|bmp [--alpha]",
+         "save one or all pictures as GPF2 or BMP", runExport},
+        {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode},
+        {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash},
+    };
+    return list;
+}
+
+const Command& commandNamed(const char* name) {
+    for (const Command& c : commands())
+        if (std::strcmp(c.name, name) == 0) return c;
+    return commands().front();
+}
+
+int usageError(const Command& command, const std::string& why) {
+    if (!why.empty()) std::fprintf(stderr, "korvatek-cli %s: %s\n", command.name, why.c_str());
+    std::fprintf(stderr, "usage: korvatek-cli %s\n", command.usage);
+    return 2;
+}
+
+}  // namespace korvatek::cli
+
+int main(int argc, char** argv) {
+    using namespace korvatek::cli;
+    if (argc < 2) {
+        printHelp(stderr);
+        return 2;
+    }
+    const std::string name = argv[1];
+    if (name == "--help" || name == "-h" || name == "help") {
+        printHelp(stdout);
+        return 0;
+    }
+    Words words(argv + 2, argv + argc);
+    for (const Command& c : commands()) {
+        if (name != c.name) continue;
+        for (const auto& w : words) {
+            if (w == "--help" || w == "-h") {
+                std::printf("usage: korvatek-cli %s\n%s\n", c.usage, c.summary);
+                return 0;
+            }
+        }
+        return c.run(words);
+    }
+    std::fprintf(stderr, "korvatek-cli: unknown command '%s'\n", name.c_str());
+    printHelp(stderr);
+    return 2;
+}

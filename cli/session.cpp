@@ -1,0 +1,39 @@
+#include "session.h"
+
+#include <cstdio>
+
+namespace korvatek::cli {
+
+using settings::MessageKey;
+
+Session::Session() : m_ui(settings::LanguageEN().messages[0].data()), m_workspace(m_ui) {
+    m_ui.alphaQuestion = m_workspace.msg(MessageKey::MsgSaveAlpha);
+    m_workspace.StopOnRefusedFormat = true;
+}
+
+bool Session::openFlash(const std::string& path) {
+    m_workspace.PathGiven = true;
+    m_workspace.CommandLinePath = path;
+    m_workspace.mnu_FileOpen();
+    m_workspace.PathGiven = false;
+    return !m_workspace.ActionFailed && m_workspace.firmware != nullptr;
+}
+
+bool Session::selectPicture(int n) {
+    if (n < 0 || n >= static_cast<int>(m_workspace.ListView1.size())) {
+        m_workspace.showMessage(m_workspace.msg(MessageKey::MsgNoSuchPicture) + std::to_string(n));
+        return false;
+    }
+    m_workspace.selectPicture(n);
+    return true;
+}
+
+void Session::printInformation() const {
+    if (m_workspace.PICinfo.empty()) return;
+    std::string text = m_workspace.PICinfo;
+    for (char& c : text)
+        if (c == '\r') c = '\n';
+    std::printf("%s\n", text.c_str());
+}
+
+}  // namespace korvatek::cli

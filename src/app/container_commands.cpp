@@ -1,0 +1,170 @@
+// Loading and saving single pictures: the GPF/GPF2 containers, theme cache files and BMP.
+#include <filesystem>
+
+#include "app/hex_text.h"
+#include "app/workspace.h"
+#include "codec/bmp_file.h"
+#include "codec/picture_decoder.h"
+#include "codec/picture_type.h"
+#include "containers/dat_header.h"
+#include "containers/gpf_header.h"
+
+namespace korvatek::app {
+
+using settings::MessageKey;
+
+namespace {
+
+constexpr const char* kGpf2Filter = "Graphic Patch File 2(*.gpf2)|*.gpf2";
+constexpr const char* kGpfAnyFilter = "Graphic Patch File 2(*.gpf2)|*.gpf2|Graphic Patch File (*.gpf)|*.gpf";
+constexpr const char* kBmpFilter = "BitMap File (*.bmp)|*.bmp";
+
+bool tooLarge(int width, int height) { return width > codec::kMaxPictureWidth || height > codec::kMaxPictureHeight; }
+
+}  // namespace
+
+void Workspace::decodeContainer(ByteReader& in, int width, int height, const std::string& typeText) {
+    picture.width = width;
+    picture.height = height;
+    picture.typeText = typeText;
+    picture.typeCode = containers::typeCodeOf(typeText);
+    picture.compression = picture.typeCode >= 129 ? "Yes" : "No";
+    picture.bits = codec::bitsForTypeCode(picture.typeCode).value_or(picture.bits);
+
+    PICinfo.clear();
+    preview = Preview{Preview::Source::Picture, width, height};
+    OutputDepth = 24;
+    if (GPFtoBMPtool && picture.bits == 24 && ui.askOkCancel(msg(MessageKey::MsgSaveAlpha))) OutputDepth = 32;
+
+    const std::uint64_t start = in.position();
+    const Status decoded = codec::ConvertGPF2BMPdata(
+        in, {width, height, picture.bits, picture.compression, OutputDepth}, canvas);
+    if (!decoded && decoded.error().code == ErrorCode::OutsideCanvas) {
+        fail(decoded.error());
+        return;
+    }
+    if (!decoded) {
+        // A format the decoder refuses does not fail the load.
+        showMessage(msg(decoded.error().message));
+        lastDecodeRefused = true;
+    }
+    picture.dataLength = hexText(in.position() - start);
+    canvas.metaLength = picture.dataLength;
+    PICinfo = informationText(width, height, picture.bits, picture.compression, picture.dataLength);
+}
+
+void Workspace::LoadGPF(const std::string& path) {
+    ActionFailed = false;
+    lastDecodeRefused = false;
+    const auto file = readFile(path);
+    if (!file) return fail(file.error());
+    ByteReader in(*file);
+    const auto header = containers::LoadGPFhead(in);
+    if (!header) return fail(header.error());
+    IsGPF2 = header->isGPF2;
+    if (tooLarge(header->width, header->height)) return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize));
+    decodeContainer(in, header->width, header->height, header->typeText);
+}
+
+void Workspace::LoadDAT(const std::string& path) {
+    ActionFailed = false;
+    lastDecodeRefused = false;
+    const auto file = readFile(path);
+    if (!file) return fail(file.error());
+    ByteReader in(*file);
+    const containers::DatHeader header = containers::LoadDAThead(in);
+    ReverseByteOrder = true;
+    if (tooLarge(header.width, header.height)) return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize));
+    decodeContainer(in, header.width, header.height, header.typeText);
+}
+
+void Workspace::SaveGPF() {
+    ActionFailed = false;
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr || !firmware) {
+        ActionFailed = true;
+        return;
+    }
+    std::string target;
+    if (SingleSave) {
+        target = row->number + ".gpf2";
+        OSdialog(ActionFailed, kGpf2Filter, "GPF", target, true);
+        if (ActionFailed) return;
+    } else {
+        target = joinPath(OutputFolder, row->number + ".gpf2");
+    }
+    if (!CheckFexist(target)) announceReplaceAndDelete(target);
+
+    // The type field comes from the first two characters of the Type cell, as they stand.
+    const std::string typeText{static_cast<char>(valHEX(row->type.substr(0, 2))), '\0'};
+    IsGPF2 = true;
+    Bytes file = containers::SaveGPFhead(true, picture.width, picture.height, typeText);
+
+    // The data are copied from the fullflash up to where decoding stopped, one byte more than
+    // the decoder consumed; that extra byte has always been part of the file.
+    const std::uint64_t start = static_cast<std::uint64_t>(valHEX(row->PICoffset));
+    const std::uint64_t end = firmwarePosition;
+    const std::uint64_t count = end >= start ? end - start + 1 : 1;
+    ByteReader flash(firmware->bytes(), start);
+    const std::size_t headerSize = file.size();
+    file.resize(headerSize + static_cast<std::size_t>(count));
+    flash.read(file.data() + headerSize, static_cast<std::size_t>(count));
+    containers::padContainer(file);
+    writeOutput(target, file);
+}
+
+void Workspace::SaveBMP() {
+    ActionFailed = false;
+    std::string target;
+    const firmware::PictureRecord* row = selectedPicture();
+    if (SingleSave) {
+        if (GPFtoBMPtool)
+            target = std::filesystem::path(DialogFileName).replace_extension(".bmp").string();
+        else if (row != nullptr)
+            target = row->number + ".bmp";
+        OSdialog(ActionFailed, kBmpFilter, "BMP", target, true);
+        if (ActionFailed) return;
+    } else {
+        if (row == nullptr) {
+            ActionFailed = true;
+            return;
+        }
+        target = joinPath(BmpOutputFolder, row->number + ".bmp");
+    }
+    const auto bytes = codec::encodeBmp(canvas, OutputDepth);
+    if (!bytes) return fail(bytes.error());
+    if (!CheckFexist(target)) announceReplaceAndDelete(target);
+    writeOutput(target, *bytes);
+}
+
+void Workspace::mnu_ToolsGPFtoBMP() {
+    ActionFailed = false;
+    std::string fileName;
+    OSdialog(ActionFailed, kGpfAnyFilter, "GPF", fileName, false);
+    if (ActionFailed) return;
+    if (CheckFexist(fileName)) {
+        showMessage(msg(MessageKey::MsgFileNotExist));
+        ActionFailed = true;
+        return;
+    }
+    DialogFileName = fileName;
+    GPFtoBMPtool = true;
+    // Theme cache files go through the same tool.
+    if (fileName.size() >= 3 && fileName.compare(fileName.size() - 3, 3, "dat") == 0)
+        LoadDAT(fileName);
+    else
+        LoadGPF(fileName);
+    if (!ActionFailed && StopOnRefusedFormat && lastDecodeRefused) ActionFailed = true;
+    if (ActionFailed) {
+        GPFtoBMPtool = false;
+        return;
+    }
+    SingleSave = true;
+    GlyphShown = false;
+    SaveBMP();
+    SingleSave = false;
+    GPFtoBMPtool = false;
+    if (!ActionFailed) showSuccess();
+}
+
+}  // namespace korvatek::app

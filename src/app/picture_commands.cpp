@@ -1,0 +1,169 @@
+// The picture list: showing the selected picture, and saving one or all of them.
+#include "app/hex_text.h"
+#include "app/workspace.h"
+#include "codec/picture_decoder.h"
+#include "codec/picture_type.h"
+
+namespace korvatek::app {
+
+using settings::MessageKey;
+
+void Workspace::selectPicture(int row) {
+    if (row >= 0 && row < static_cast<int>(ListView1.size())) ListView1Selected = row;
+}
+
+void Workspace::ListView1_Click() {
+    ShowOnScreen = true;
+    SuppressAlphaPrompt = true;  // browsing never asks about the alpha channel
+    LoadPIC();
+}
+
+void Workspace::LoadPIC() {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr || !firmware) return;
+    ActionFailed = false;
+    lastDecodeRefused = false;
+
+    const int number = static_cast<int>(valDecimal(row->number));
+    const std::int64_t dataOffset = valHEX(row->PICoffset);
+    const int width = static_cast<int>(valDecimal(row->width));
+    const int height = static_cast<int>(valDecimal(row->height));
+    // The type comes back from the first two characters of the cell: "A00" reads as 0xA0.
+    const int typeCode = valHEX(row->type.substr(0, 2));
+
+    // The old program positioned the file with a read of the byte before the data; at offset
+    // 0 that read would fall before the file, so nothing can be decoded there.
+    if (dataOffset <= 0) {
+        fail(makeError(ErrorCode::BadOffset, MessageKey::MsgDataOffsetZero));
+        ShownPicture.reset();
+        return;
+    }
+    firmwarePosition = static_cast<std::uint64_t>(dataOffset);
+
+    picture.width = width;
+    picture.height = height;
+    picture.typeCode = typeCode;
+    picture.typeText = std::string{static_cast<char>(typeCode), '\0'};
+    picture.compression = codec::compressionText(typeCode);
+    picture.bits = codec::bitsForTypeCode(typeCode).value_or(picture.bits);
+
+    PICinfo.clear();
+    OutputDepth = 24;
+    if (!SuppressAlphaPrompt && picture.bits == 24) {
+        if (ui.askOkCancel(msg(MessageKey::MsgSaveAlpha))) OutputDepth = 32;
+    } else if (SuppressAlphaPrompt && picture.bits == 24 && BatchKeepAlpha) {
+        OutputDepth = 32;
+    }
+
+    preview = Preview{Preview::Source::Picture, width, height};
+    ByteReader flash(firmware->bytes(), firmwarePosition);
+    const Status decoded = codec::ConvertGPF2BMPdata(
+        flash, {width, height, picture.bits, picture.compression, OutputDepth}, canvas);
+    const std::uint64_t length = flash.position() - firmwarePosition;
+    firmwarePosition = flash.position();
+    picture.dataLength = hexText(length);
+    canvas.metaLength = picture.dataLength;
+
+    if (!decoded && decoded.error().code == ErrorCode::OutsideCanvas) {
+        // A picture that does not fit the canvas stops here, as a run-time error did.
+        fail(decoded.error());
+        ShownPicture.reset();
+        return;
+    }
+    ShownPicture = number;
+    if (!decoded) {
+        showMessage(msg(decoded.error().message));
+        lastDecodeRefused = true;
+    }
+    PICinfo = informationText(width, height, picture.bits, picture.compression, picture.dataLength);
+    ActionFailed = false;  // the decoder's message has already been shown
+}
+
+std::optional<std::string> Workspace::copyPictureCell(int column) const {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr || column < 1 || column > 8) return std::nullopt;
+    return row->cell(column);
+}
+
+// ---- one-item saves
+
+void Workspace::mnuPopup_SaveGPF() {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr) return;
+    ActionFailed = false;
+    if (ShownPicture != static_cast<int>(valDecimal(row->number))) {
+        SuppressAlphaPrompt = true;  // SaveGPF needs the read position that decoding leaves
+        LoadPIC();
+        if (ActionFailed) return;
+    }
+    SingleSave = true;
+    SaveGPF();
+    SingleSave = false;
+    if (!ActionFailed) showSuccess();
+}
+
+void Workspace::mnuPopup_SaveBMP() {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr) return;
+    ActionFailed = false;
+    if (ShownPicture != static_cast<int>(valDecimal(row->number))) {
+        SuppressAlphaPrompt = false;
+        LoadPIC();
+        if (ActionFailed) return;
+    }
+    SingleSave = true;
+    GlyphShown = false;
+    SaveBMP();
+    SingleSave = false;
+    if (!ActionFailed) showSuccess();
+}
+
+// ---- batches
+
+void Workspace::mnuPopup_SaveAllGPF() {
+    const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseSaveFolder));
+    if (folder.empty()) return;
+    OutputFolder = folder;
+    const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
+    for (int n = 0; n <= last; ++n) {
+        BatchCounter = n;
+        selectPicture(n);
+        SuppressAlphaPrompt = true;
+        LoadPIC();
+        // A row that cannot be decoded at all is not written; the batch goes on.
+        if (!ActionFailed) {
+            SingleSave = false;
+            SaveGPF();
+        }
+        ActionFailed = false;
+        setProgress(PictureMaxIndex > 0 ? static_cast<float>(n) / PictureMaxIndex * 100.0f : 100.0);
+    }
+    BatchCounter = last + 1;
+    showSuccess();
+}
+
+void Workspace::mnuPopup_SaveAllBMP() {
+    const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseSaveFolder));
+    if (folder.empty()) return;
+    BmpOutputFolder = folder;
+    BatchKeepAlpha = ui.askOkCancel(msg(MessageKey::MsgSaveAlpha));
+    const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
+    for (int n = 0; n <= last; ++n) {
+        BatchCounter = n;
+        selectPicture(n);
+        SuppressAlphaPrompt = true;
+        LoadPIC();
+        if (!ActionFailed) {
+            SingleSave = false;
+            GlyphShown = false;
+            SaveBMP();
+        }
+        ActionFailed = false;
+        setProgress(PictureMaxIndex > 0 ? static_cast<float>(n) / PictureMaxIndex * 100.0f : 100.0);
+    }
+    BatchCounter = last + 1;
+    BatchKeepAlpha = false;
+    showSuccess();
+}
+
+}  // namespace korvatek::app

@@ -1,0 +1,165 @@
+#pragma once
+// The Workspace: the whole editing state the commands work on, and the commands themselves
+// (menu, list and tab events). It never opens a dialog: it talks to the person through the
+// UserInterface it is given. The window shows what it holds; the command line drives it with
+// answers given in advance.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/file_io.h"
+#include "app/result.h"
+#include "app/user_interface.h"
+#include "codec/pixel_canvas.h"
+#include "firmware/identification.h"
+#include "firmware/picture_record.h"
+#include "settings/message_table.h"
+#include "settings/settings_store.h"
+
+namespace korvatek::app {
+
+// What the preview shows: the picture canvas or the glyph grid, and how much of it.
+struct Preview {
+    enum class Source { None, Picture, Glyph };
+    Source source = Source::None;
+    int width = 0;
+    int height = 0;
+};
+
+// The picture last decoded or loaded (width, height, type, bits, compression, data length).
+struct CurrentPictureState {
+    int width = 0;
+    int height = 0;
+    std::string typeText;       // the container's type field as read
+    int typeCode = 0;
+    int bits = 0;               // 0 until something was decoded; an unknown code keeps it
+    std::string compression = "No";
+    std::string dataLength;     // upper-case hex
+};
+
+class Workspace {
+public:
+    explicit Workspace(UserInterface& ui);
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+
+    // ---- start-up (the load handler): command-line file first, then temporary files,
+    // settings and language, in this order.
+    void startUp(const std::string& commandLine, settings::SettingsStore& store);
+    static const std::vector<std::string>& temporaryFileSuffixes();
+
+    // ---- File menu
+    void mnu_FileOpen();
+
+    // ---- tab strip: 1 "Pictures", 2 "Fonts"
+    void TabStrip1_Click(int tab);
+
+    // ---- picture list
+    void selectPicture(int row);   // moves the selection without decoding
+    void ListView1_Click();        // list browsing: decode and show the selected picture
+    void LoadPIC();
+    void mnuPopup_SaveGPF();
+    void mnuPopup_SaveAllGPF();
+    void mnuPopup_SaveBMP();
+    void mnuPopup_SaveAllBMP();
+    // The text "Copy to Clipboard" puts there: a cell of the selected row (6 or 7).
+    std::optional<std::string> copyPictureCell(int column) const;
+
+    // ---- containers
+    void LoadGPF(const std::string& path);
+    void LoadDAT(const std::string& path);
+    void SaveGPF();
+    void SaveBMP();
+    void mnu_ToolsGPFtoBMP();
+
+    // ---- helpers shared by the commands
+    // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
+    void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
+                  bool saveMode);
+    std::string fBrowseForFolder(const std::string& title);
+    const std::string& msg(settings::MessageKey key) const { return messages.text(key); }
+    void showMessage(const std::string& text, const std::string& title = {});
+    void showSuccess();  // "Successfully completed", when that option is on
+    // Shows the error's message (with its detail) and sets ActionFailed.
+    void fail(const Error& error);
+    // "File <path> already exists and will be replaced" shown, then the file deleted.
+    void announceReplaceAndDelete(const std::string& path);
+    // Writes a file the command produced; a failure is shown and sets ActionFailed.
+    bool writeOutput(const std::string& path, ByteView bytes);
+    void setProgress(double percent);
+    void applyLanguage(int languageIndex);
+
+    // ---- state, named as the window has always named it
+    UserInterface& ui;
+    settings::MessageTable messages;
+    std::string ProgramDir;
+    std::string PITaddress = "1B01958";
+    std::string FOTaddress = "1B07068";
+    std::string FreeSpaceStart = "1320000";
+    int PictureMaxIndex = 1700;
+    int LanguageIndex = 2;
+    bool ShowSuccessMessage = true;   // "MSGsucces"
+    bool ShowReplaceMessage = true;   // "MSGreplace"
+
+    bool PathGiven = false;
+    std::string CommandLinePath;      // the command line's text while PathGiven is set
+    bool ReverseByteOrder = false;
+    double CurrentPicture = 0;
+    bool ActionFailed = false;
+    bool IsGPF2 = false;
+    bool SingleSave = false;
+    bool NoDialog = false;
+    std::string PresetPath;
+    int OutputDepth = 24;             // also the bit depth of the next BMP export (BmpExportBits)
+    bool SuppressAlphaPrompt = false; // also BatchDecode
+    bool BatchKeepAlpha = false;      // also AlphaForAll
+    bool ShowOnScreen = false;
+    bool GPFtoBMPtool = false;        // while the GPF>BMP tool runs, LoadGPF asks about alpha
+    std::optional<int> ShownPicture;  // number of the picture last decoded; none at first
+    std::string OutputFolder;
+    std::string BmpOutputFolder;
+    bool GlyphShown = false;
+    double BatchCounter = 0;
+    std::string DialogFileName;       // the common dialog's file name field
+
+    // The open fullflash
+    std::string FirmwarePath;
+    std::string PhoneModel;
+    std::string LanguagePack;
+    std::string FontAreaOffset;
+    Bytes FontArrayAddress;
+    std::string FirmwareId;
+    std::shared_ptr<const ReadOnlyFile> firmware;
+    std::uint64_t firmwarePosition = 0;   // where the next read of the firmware handle starts
+
+    // Lists and selections
+    std::vector<firmware::FontSelectorEntry> Ftype;
+    int FtypeIndex = -1;
+    std::vector<firmware::PictureRecord> ListView1;
+    int ListView1Selected = -1;
+    int TabStrip1 = 1;
+
+    // What is shown
+    CurrentPictureState picture;
+    codec::PixelCanvas canvas;
+    std::string PICinfo;
+    Preview preview;
+    double progress = 0;
+    bool lastDecodeRefused = false;   // the last LoadPIC/LoadGPF could not decode its format
+    // The command line writes no file for a picture whose format was refused (the window
+    // writes what its canvas holds).
+    bool StopOnRefusedFormat = false;
+    int outputFailures = 0;           // files that could not be written, counted for batches
+
+private:
+    void openFirmware(const std::string& path);
+    void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
+    std::string informationText(int width, int height, int bits, const std::string& compression,
+                                const std::string& length) const;
+    const firmware::PictureRecord* selectedPicture() const;
+};
+
+}  // namespace korvatek::app

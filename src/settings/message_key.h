@@ -1,0 +1,114 @@
+#pragma once
+// Keys of the message table and of every translatable caption. The message order is the
+// order the table has always had; rows from kFirstExtraMessage on were added later and
+// are translated like the others.
+
+#include <cstddef>
+
+namespace korvatek::settings {
+
+enum class MessageKey : int {
+    MsgSuccess = 0,
+    MsgAlreadyReplaced,
+    MsgFile,
+    MsgPictureTooBig,
+    MsgModelNotSupported,
+    MsgFileExists,
+    MsgFileNotExist,
+    MsgReplacedByEmpty,
+    MsgChooseSaveFolder,
+    MsgChooseOpenFolder,
+    MsgMaxSize,
+    MsgSaveAlpha,
+    MsgTooMuchSpace,
+    MsgFirmwareNotSupported,
+    MsgGpfNotSupported,
+    MsgChooseFile,
+    MsgUnknownFile,
+    MsgInputSize,
+    MsgFontsOnly,
+    MsgCredits,
+    MsgPleaseWait,
+    MsgNotInProgramDir,
+    MsgTranslator,
+    MsgNoFreeSpace,
+    // Rows added for failures the tool reports instead of stopping with a run-time error.
+    MsgCannotOpenFile,    // "Cannot open file " + path + ": " + system text
+    MsgCannotWriteFile,   // "Cannot write file " + path + ": " + system text
+    MsgFlashTooShort,     // "This fullflash is too short: " + size
+    MsgOutsideCanvas,     // picture runs outside the 240x320 canvas
+    MsgDataOffsetZero,    // picture data offset 0
+    MsgGpfV1MaxSize,      // "Maximal size of picture is 255x255 for GPF!"
+    MsgNoSuchPicture,     // "No such picture in the list: " + number
+    MsgBmpNot24or32,      // "This is not 24 or 32bit bmp!"
+    MsgBmpCompressed,     // "Compressed BMPs not supported!"
+    Count
+};
+
+inline constexpr std::size_t kMessageCount = static_cast<std::size_t>(MessageKey::Count);
+inline constexpr int kFirstExtraMessage = static_cast<int>(MessageKey::MsgCannotOpenFile);
+
+// Captions that the language routines set. Names follow the controls they belong to.
+enum class CaptionKey : int {
+    // main menu
+    mnu_File = 0,
+    mnu_FileOpen,
+    mnu_FileExit,
+    mnu_Tools,
+    mnu_ToolsMake,
+    mnu_ToolsConvertLumbrapatch,
+    mnu_Options,
+    mnu_About,
+    // picture list popup
+    mnuPopup_LoadGPF,
+    mnuPopup_LoadGPFfolder,
+    mnuPopup_LoadBMP,
+    mnuPopup_LoadBMPs,
+    mnuPopup_SaveGPF,
+    mnuPopup_SaveAllGPF,
+    mnuPopup_SaveBMP,
+    mnuPopup_SaveAllBMP,
+    mnuPopup_SavePatch,
+    mnuPopup_CopyColumnHeader,
+    // glyph list popup
+    mnuPopup2_LoadBMP,
+    mnuPopup2_LoadBMPfolder,
+    mnuPopup2_SaveBMP,
+    mnuPopup2_SaveAllBMP,
+    mnuPopup2_SavePatch,
+    mnuPopup2_MakeF,
+    mnuPopup2_ChangeFSize,
+    mnuPopup2_CopyColumnHeader,
+    // About box
+    AboutAuthor,
+    AboutWeb,
+    AboutThanks,      // "Special thanks to:"
+    AboutNames,
+    AboutTesters,     // "all testers & researchers"
+    // main window tabs and font selector
+    TabPictures,
+    TabFonts,
+    FtypeText,        // "Font"
+    // options dialog
+    frmOptions,       // the dialog's title
+    tbsOptionsView,   // "view"
+    tbsOptionsOther,  // "other"
+    Option1,          // language names
+    Option2,
+    Option3,
+    Option4,
+    Option5,
+    Check1,
+    Check2,
+    Check3,
+    Check4,
+    cmdOK,
+    cmdCancel,
+    cmdApply,
+    cmdDefaults,
+    Count
+};
+
+inline constexpr std::size_t kCaptionCount = static_cast<std::size_t>(CaptionKey::Count);
+
+}  // namespace korvatek::settings
