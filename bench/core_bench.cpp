@@ -1,0 +1,74 @@
+// In-process figures on the demo fullflash: open and list, decode every picture, save every
+// picture as BMP bytes. The whole-process ratios against cat and cp live in process_ratios.sh.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "app/file_io.h"
+#include "app/scripted_interface.h"
+#include "app/workspace.h"
+#include "codec/bmp_file.h"
+#include "firmware/demo_flash.h"
+
+namespace {
+
+using namespace korvatek;
+
+const std::string& demoFlashPath() {
+    static const std::string path = [] {
+        const auto p = std::filesystem::temp_directory_path() / "korvatek-bench-demo.bin";
+        const Bytes image = firmware::makeDemoFlash();
+        if (!app::writeFile(p.string(), image).ok()) std::fprintf(stderr, "cannot write %s\n", p.c_str());
+        return p.string();
+    }();
+    return path;
+}
+
+struct Opened {
+    app::ScriptedInterface ui;
+    app::Workspace ws{ui};
+    Opened() {
+        ws.PathGiven = true;
+        ws.CommandLinePath = demoFlashPath();
+        ws.mnu_FileOpen();
+    }
+};
+
+void BM_OpenAndList(benchmark::State& state) {
+    demoFlashPath();  // made once, outside the timing
+    for (auto _ : state) {
+        Opened o;
+        benchmark::DoNotOptimize(o.ws.ListView1.data());
+    }
+}
+BENCHMARK(BM_OpenAndList)->Unit(benchmark::kMillisecond);
+
+void BM_DecodeEveryPicture(benchmark::State& state) {
+    Opened o;
+    std::uint64_t bytes = 0;
+    for (auto _ : state) {
+        for (int n = 0; n < static_cast<int>(o.ws.ListView1.size()); ++n) {
+            o.ws.selectPicture(n);
+            o.ws.ListView1_Click();
+            bytes += o.ws.picture.dataLength.size();
+        }
+    }
+    benchmark::DoNotOptimize(bytes);
+}
+BENCHMARK(BM_DecodeEveryPicture)->Unit(benchmark::kMillisecond);
+
+void BM_EncodeFullScreenBmp(benchmark::State& state) {
+    Opened o;
+    o.ws.selectPicture(0);
+    o.ws.ListView1_Click();
+    for (auto _ : state) {
+        auto bmp = codec::encodeBmp(o.ws.canvas, 24);
+        benchmark::DoNotOptimize(bmp.value().data());
+    }
+}
+BENCHMARK(BM_EncodeFullScreenBmp)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
