@@ -28,5 +28,7 @@ int runPicture(const Words& words);
 int runExport(const Words& words);
 int runDecode(const Words& words);
 int runDemoFlash(const Words& words);
+int runEncode(const Words& words);
+int runConvert(const Words& words);
 
 }  // namespace korvatek::cli

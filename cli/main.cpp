@@ -26,6 +26,9 @@ const std::vector<Command>& commands() {
         {"export", "export FLASH N -o OUT.gpf2|OUT.bmp [--alpha]\n       korvatek-cli export FLASH all --dir DIR --format gpf2|bmp [--alpha]",
          "save one or all pictures as GPF2 or BMP", runExport},
         {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode},
+        {"encode", "encode IN.bmp|IN.png -o OUT.gpf2|OUT.gpf --type 1|8|16|24",
+         "encode a BMP or PNG into a container", runEncode},
+        {"convert", "convert IN -o OUT", "convert GPF/GPF2 to DAT, DAT to GPF2, or GPF to GPF2 and back", runConvert},
         {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash},
     };
     return list;

@@ -75,6 +75,17 @@ public:
     void SaveBMP();
     void mnu_ToolsGPFtoBMP();
 
+    // ---- encoding tools (Tools menu); the target is 0x01, 0x85, 0x88 or 0x8A
+    void mnu_ToolsBMPtoGPF(int targetType);
+    void mnu_ToolsPNGtoGPF(int targetType);
+    void BMPtoGPFtool();   // with the target type field already set
+    void PNGtoGPFtool();
+    void mnu_ToolsGPFakaDAT();
+    void mnu_ToolsGPFakaGPF2();
+    // The placeholders in the temporary folder; each returns the path it wrote.
+    std::string MakeEmptyGPF2();
+    std::string MakeEmptyBMP();
+
     // ---- helpers shared by the commands
     // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
     void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
@@ -124,6 +135,12 @@ public:
     bool GlyphShown = false;
     double BatchCounter = 0;
     std::string DialogFileName;       // the common dialog's file name field
+    std::string TargetTypeField = std::string{'\x85', '\0'};  // target type code and 0x00
+    bool KeepOwnType = false;         // "original" in Load BMPs: each picture keeps its type
+    bool BmpFolderMode = false;       // the BMP path is given (PresetBmpPath), no BMP dialog
+    std::string PresetBmpPath;
+    std::string PngColourTypeName;    // what the last PNG header said
+    std::string PngResolutionText;
 
     // The open fullflash
     std::string FirmwarePath;
@@ -157,6 +174,11 @@ public:
 private:
     void openFirmware(const std::string& path);
     void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
+    // Writes the canvas as a container of the target type: GPF2 when the name ends in "2".
+    void writeCanvasContainer(const std::string& target);
+    // The save dialog of the encoding tools, with the OK/Cancel replacement question.
+    std::optional<std::string> askContainerTarget();
+    bool confirmReplace(const std::string& path);
     std::string informationText(int width, int height, int bits, const std::string& compression,
                                 const std::string& length) const;
     const firmware::PictureRecord* selectedPicture() const;

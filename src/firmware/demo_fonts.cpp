@@ -69,9 +69,7 @@ DemoGlyph makeDemoGlyph(int code, int scale) {
     return glyph;
 }
 
-std::uint32_t demoGlyphRoom(const DemoGlyph& glyph) {
-    return 5U + (glyph.width / 8U + 1U) * glyph.height;
-}
+std::uint32_t demoGlyphRoom(const DemoGlyph& glyph) { return 5U + (glyph.width / 8U + 1U) * glyph.height; }
 
 void writeDemoFonts(Bytes& image) {
     std::uint32_t table = kDemoGlyphTablesOffset;

@@ -101,7 +101,7 @@ constexpr std::array<AsciiRows, 95> kAscii = {{
     {{0x00, 0x00, 0x11, 0x11, 0x11, 0x0F, 0x01, 0x11, 0x0E}},  // 'y'
     {{0x00, 0x00, 0x1F, 0x02, 0x04, 0x08, 0x1F, 0x00, 0x00}},  // 'z'
     {{0x03, 0x04, 0x04, 0x08, 0x04, 0x04, 0x03, 0x00, 0x00}},  // '{'
-    {{0x04, 0x04, 0x04, 0x04, 0x04, 0x04, 0x04, 0x00, 0x00}},  // '|'
+    {{0x04, 0x04, 0x04, 0x00, 0x04, 0x04, 0x04, 0x00, 0x00}},  // '|', drawn broken
     {{0x18, 0x04, 0x04, 0x02, 0x04, 0x04, 0x18, 0x00, 0x00}},  // '}'
     {{0x00, 0x00, 0x08, 0x15, 0x02, 0x00, 0x00, 0x00, 0x00}},  // '~'
 }};
@@ -122,7 +122,8 @@ DemoBitmap asciiShape(int code) {
     DemoBitmap shape(kShapeWidth, kShapeHeight);
     const AsciiRows& rows = kAscii[static_cast<std::size_t>(code - 0x20)];
     for (int r = 0; r < 9; ++r)
-        for (int x = 0; x < kShapeWidth; ++x) shape.set(x, kShapeCapTop + r, (rows[static_cast<std::size_t>(r)] >> (4 - x)) & 1);
+        for (int x = 0; x < kShapeWidth; ++x)
+            shape.set(x, kShapeCapTop + r, (rows[static_cast<std::size_t>(r)] >> (4 - x)) & 1);
     return shape;
 }
 
@@ -213,9 +214,11 @@ DemoBitmap scale3(const DemoBitmap& s) {
             const bool dh = d == h && d != b && h != f;
             const bool hf = h == f && d != h && b != f;
             const bool cell[9] = {
-                db ? d : e, ((db && e != c) || (bf && e != a)) ? b : e, bf ? f : e,
-                ((db && e != g) || (dh && e != a)) ? d : e, e, ((bf && e != i) || (hf && e != c)) ? f : e,
-                dh ? d : e, ((dh && e != i) || (hf && e != g)) ? h : e, hf ? f : e,
+                db ? d : e, ((db && e != c) || (bf && e != a)) ? b : e,
+                bf ? f : e, ((db && e != g) || (dh && e != a)) ? d : e,
+                e,          ((bf && e != i) || (hf && e != c)) ? f : e,
+                dh ? d : e, ((dh && e != i) || (hf && e != g)) ? h : e,
+                hf ? f : e,
             };
             for (int k = 0; k < 9; ++k) out.set(3 * x + k % 3, 3 * y + k / 3, cell[k]);
         }

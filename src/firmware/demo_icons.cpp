@@ -30,8 +30,12 @@ struct Pen {
     int s(int v) const { return v * (box.w < box.h ? box.w : box.h) / 256; }
     SubPoint p(int vx, int vy) const { return {x(vx), y(vy)}; }
     void circle(int cx, int cy, int r, Rgba col) const { fillCircle(c, x(cx), y(cy), s(r), col); }
-    void ring(int cx, int cy, int outer, int inner, Rgba col) const { fillRing(c, x(cx), y(cy), s(outer), s(inner), col); }
-    void rect(int x0, int y0, int x1, int y1, int r, Rgba col) const { fillRoundRect(c, x(x0), y(y0), x(x1), y(y1), s(r), col); }
+    void ring(int cx, int cy, int outer, int inner, Rgba col) const {
+        fillRing(c, x(cx), y(cy), s(outer), s(inner), col);
+    }
+    void rect(int x0, int y0, int x1, int y1, int r, Rgba col) const {
+        fillRoundRect(c, x(x0), y(y0), x(x1), y(y1), s(r), col);
+    }
     void line(int x0, int y0, int x1, int y1, int halfWidth, Rgba col) const {
         strokeLine(c, p(x0, y0), p(x1, y1), s(halfWidth), col);
     }
@@ -76,7 +80,8 @@ void arrow(const Pen& p, int variant) {
         if (dir == 3) return {y, 256 - x};
         return {x, y};
     };
-    const std::array<std::array<int, 2>, 7> up = {{{128, 20}, {230, 122}, {166, 122}, {166, 236}, {90, 236}, {90, 122}, {26, 122}}};
+    const std::array<std::array<int, 2>, 7> up = {
+        {{128, 20}, {230, 122}, {166, 122}, {166, 236}, {90, 236}, {90, 122}, {26, 122}}};
     std::vector<SubPoint> shadow, body;
     for (const auto& q : up) {
         const auto t = turn(q[0], q[1]);
@@ -90,7 +95,8 @@ void arrow(const Pen& p, int variant) {
 void bell(const Pen& p, int variant) {
     const Rgba gold = variant % 2 ? Rgba{250, 190, 40, 255} : Rgba{230, 160, 30, 255};
     p.circle(128, 40, 18, kDark);
-    p.polygon({{128, 40}, {170, 56}, {186, 112}, {200, 172}, {232, 196}, {24, 196}, {56, 172}, {70, 112}, {86, 56}}, gold);
+    p.polygon({{128, 40}, {170, 56}, {186, 112}, {200, 172}, {232, 196}, {24, 196}, {56, 172}, {70, 112}, {86, 56}},
+              gold);
     p.circle(128, 214, 24, kDark);
 }
 
@@ -110,7 +116,8 @@ void speaker(const Pen& p, int variant) {
         p.line(230, 96, 170, 160, 10, kRed);
         return;
     }
-    for (int i = 0; i < level; ++i) fillRightArc(p.c, p.x(140), p.y(128), p.s(64 + 36 * i), p.s(48 + 36 * i), kColours[0]);
+    for (int i = 0; i < level; ++i)
+        fillRightArc(p.c, p.x(140), p.y(128), p.s(64 + 36 * i), p.s(48 + 36 * i), kColours[0]);
 }
 
 void star(const Pen& p, int variant) {

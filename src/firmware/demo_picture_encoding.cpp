@@ -42,7 +42,8 @@ void putSample(Bytes& out, const Rgba& p, std::uint8_t type, bool keyed, int t) 
                 out.push_back(0xE0);
                 return;
             }
-            auto w = static_cast<std::uint16_t>(level(p.r, 31, 127) << 11 | level(p.g, 63, 127) << 5 | level(p.b, 31, 127));
+            auto w =
+                static_cast<std::uint16_t>(level(p.r, 31, 127) << 11 | level(p.g, 63, 127) << 5 | level(p.b, 31, 127));
             if (w == 0xE000) w = 0xE001;  // the same for the 16-bit key
             out.push_back(static_cast<std::uint8_t>(w & 0xFF));
             out.push_back(static_cast<std::uint8_t>(w >> 8));
@@ -86,9 +87,14 @@ Bytes encodeMono(const DemoCanvas& canvas, bool dither) {
 int demoSampleSize(std::uint8_t type) {
     switch (type) {
         case 0x01: return 0;
-        case 0x05: case 0x85: return 1;
-        case 0x07: case 0x87: case 0x08: case 0x88: return 2;
-        case 0x0A: case 0x8A: return 4;
+        case 0x05:
+        case 0x85: return 1;
+        case 0x07:
+        case 0x87:
+        case 0x08:
+        case 0x88: return 2;
+        case 0x0A:
+        case 0x8A: return 4;
         default: return -1;
     }
 }
@@ -98,7 +104,8 @@ Bytes encodeDemoPicture(const DemoCanvas& canvas, std::uint8_t type, bool keyed,
     Bytes samples;
     samples.reserve(static_cast<std::size_t>(canvas.width() * canvas.height() * demoSampleSize(type)));
     for (int y = 0; y < canvas.height(); ++y)
-        for (int x = 0; x < canvas.width(); ++x) putSample(samples, canvas.at(x, y), type, keyed, threshold(x, y, dither));
+        for (int x = 0; x < canvas.width(); ++x)
+            putSample(samples, canvas.at(x, y), type, keyed, threshold(x, y, dither));
     if ((type & 0x80) == 0) return samples;
     return runLengthEncode(samples, demoSampleSize(type));
 }

@@ -14,7 +14,24 @@
 namespace korvatek::firmware {
 namespace {
 
-enum class Motif { Landscape, Plasma, Rings, Tiles, Grid, Logo, Screen, Preview, Frame, Menu, Icon, Status, Dot, Label, Digit };
+// Wallpapers and screens are scenes; the rest are drawn symbols, text and frames.
+enum class Motif {
+    Landscape,
+    Plasma,
+    Rings,
+    Tiles,
+    Grid,
+    Logo,
+    Screen,
+    Preview,
+    Frame,
+    Menu,
+    Icon,
+    Status,
+    Dot,
+    Label,
+    Digit
+};
 
 struct Group {
     int first;
@@ -22,31 +39,32 @@ struct Group {
     Motif motif;
 };
 
-// Picture numbers by group; numbers not listed (none) would be status icons.
+// Picture numbers by group, covering 0..1700 (the odd records of demo_flash.h fall inside
+// groups but are skipped).
 constexpr std::array<Group, 44> kGroups = {{
-    {0, 0, Motif::Landscape},     {1, 48, Motif::Status},      {49, 60, Motif::Digit},
-    {61, 140, Motif::Icon},       {141, 210, Motif::Dot},      {211, 299, Motif::Menu},
-    {300, 300, Motif::Plasma},    {301, 380, Motif::Label},    {381, 420, Motif::Frame},
-    {421, 436, Motif::Preview},   {437, 520, Motif::Status},   {521, 600, Motif::Icon},
-    {601, 639, Motif::Digit},     {640, 700, Motif::Menu},     {701, 701, Motif::Rings},
-    {702, 730, Motif::Frame},     {731, 736, Motif::Screen},   {737, 820, Motif::Dot},
-    {821, 900, Motif::Label},     {901, 975, Motif::Icon},     {976, 976, Motif::Status},
-    {977, 1050, Motif::Menu},     {1051, 1051, Motif::Tiles},  {1052, 1100, Motif::Label},
-    {1101, 1200, Motif::Status},  {1201, 1201, Motif::Grid},   {1202, 1210, Motif::Preview},
-    {1211, 1300, Motif::Icon},    {1301, 1332, Motif::Menu},   {1333, 1360, Motif::Dot},
-    {1361, 1384, Motif::Frame},   {1385, 1400, Motif::Label},  {1401, 1401, Motif::Landscape},
-    {1402, 1402, Motif::Logo},    {1403, 1470, Motif::Menu},   {1471, 1476, Motif::Screen},
-    {1477, 1560, Motif::Status},  {1561, 1600, Motif::Digit},  {1601, 1660, Motif::Dot},
-    {1661, 1680, Motif::Label},   {1681, 1690, Motif::Icon},   {1691, 1695, Motif::Preview},
-    {1696, 1699, Motif::Screen},  {1700, 1700, Motif::Preview},
+    {0, 0, Motif::Landscape},    {1, 48, Motif::Status},       {49, 60, Motif::Digit},
+    {61, 140, Motif::Icon},      {141, 210, Motif::Dot},       {211, 299, Motif::Menu},
+    {300, 300, Motif::Plasma},   {301, 380, Motif::Label},     {381, 420, Motif::Frame},
+    {421, 436, Motif::Preview},  {437, 520, Motif::Status},    {521, 600, Motif::Icon},
+    {601, 639, Motif::Digit},    {640, 700, Motif::Menu},      {701, 701, Motif::Rings},
+    {702, 730, Motif::Frame},    {731, 736, Motif::Screen},    {737, 820, Motif::Dot},
+    {821, 900, Motif::Label},    {901, 975, Motif::Icon},      {976, 976, Motif::Status},
+    {977, 1050, Motif::Menu},    {1051, 1051, Motif::Tiles},   {1052, 1100, Motif::Label},
+    {1101, 1200, Motif::Status}, {1201, 1201, Motif::Grid},    {1202, 1210, Motif::Preview},
+    {1211, 1300, Motif::Icon},   {1301, 1332, Motif::Menu},    {1333, 1360, Motif::Dot},
+    {1361, 1384, Motif::Frame},  {1385, 1400, Motif::Label},   {1401, 1401, Motif::Landscape},
+    {1402, 1402, Motif::Logo},   {1403, 1470, Motif::Menu},    {1471, 1476, Motif::Screen},
+    {1477, 1560, Motif::Status}, {1561, 1600, Motif::Digit},   {1601, 1660, Motif::Dot},
+    {1661, 1680, Motif::Label},  {1681, 1690, Motif::Icon},    {1691, 1695, Motif::Preview},
+    {1696, 1699, Motif::Screen}, {1700, 1700, Motif::Preview},
 }};
 
 constexpr std::array<std::uint8_t, 9> kTypeCycle = {0x85, 0x88, 0x8A, 0x05, 0x08, 0x0A, 0x87, 0x07, 0x01};
 
 constexpr std::array<std::string_view, 24> kLabels = {
-    "Menu",     "Options",  "Back",     "Select",   "Call",     "Messages", "Contacts",  "Camera",
-    "Settings", "Organizer", "Games",   "Alarm",    "Radio",    "Music",    "Calendar",  "Profiles",
-    "Korvatek", "Inbox",    "Outbox",   "Drafts",   "Phonebook", "Bluetooth", "Tones",   "Clock"};
+    "Menu",     "Options",   "Back",   "Select", "Call",      "Messages",  "Contacts", "Camera",
+    "Settings", "Organizer", "Games",  "Alarm",  "Radio",     "Music",     "Calendar", "Profiles",
+    "Korvatek", "Inbox",     "Outbox", "Drafts", "Phonebook", "Bluetooth", "Tones",    "Clock"};
 
 struct Plan {
     int width;
@@ -75,7 +93,7 @@ std::string labelText(int number) {
 Plan planOf(int number) {
     const Motif motif = motifOf(number);
     const std::uint8_t type = kTypeCycle[static_cast<std::size_t>(number % 9)];
-    switch (number) {  // the wallpapers
+    switch (number) {  // the wallpapers and two pictures that the odd records lean on
         case 0: return {240, 320, 0x88, motif};
         case 300: return {240, 320, 0x05, motif, false, true};
         case 701: return {240, 320, 0x8A, motif};
@@ -111,7 +129,8 @@ void drawPreview(DemoCanvas& c, int number, bool mono) {
     const Rgba ink = mono ? Rgba{0, 0, 0, 255} : Rgba{255, 255, 255, 255};
     if (!mono) verticalGradient(c, 0, 0, w, h, top, bottom);
     const int icon = h / 2;
-    drawIcon(c, number % kDemoIconKinds, number / kDemoIconKinds, {6 * kSub, (h - icon) / 2 * kSub, icon * kSub, icon * kSub});
+    drawIcon(c, number % kDemoIconKinds, number / kDemoIconKinds,
+             {6 * kSub, (h - icon) / 2 * kSub, icon * kSub, icon * kSub});
     char text[6];
     numberText(number, text);
     const int scale = w >= 120 ? 2 : 1;
@@ -134,7 +153,8 @@ void drawFrame(DemoCanvas& c, int number) {
         for (int k = 0; k < 8; ++k) {
             const int fade = ((frame - k) % 8 + 8) % 8;
             const Rgba col = mix(hue(number * 50), Rgba{225, 225, 230, 255}, fade * 30);
-            fillCircle(c, cx + r * isin(k * 32) / 1024, cy - r * icos(k * 32) / 1024, box.w / 12 + (fade == 0 ? kSub : 0), col);
+            fillCircle(c, cx + r * isin(k * 32) / 1024, cy - r * icos(k * 32) / 1024,
+                       box.w / 12 + (fade == 0 ? kSub : 0), col);
         }
     } else {
         for (int k = 0; k < 3; ++k) {
@@ -202,18 +222,20 @@ DemoPicture makeDemoPicture(int number) {
         case Motif::Tiles: drawTiles(c, 0, number); break;
         case Motif::Grid: drawColourGrid(c, 0, number); break;
         case Motif::Logo: drawMonoLogo(c, number); break;
-        case Motif::Screen: {
-            const int scene = number % 4;
-            if (scene == 0) drawLandscape(c, number % 3, number);
-            else if (scene == 1) drawPlasma(c, number, number);
-            else if (scene == 2) drawRings(c, number, number);
-            else drawTiles(c, number, number);
+        case Motif::Screen:
+            switch (number % 4) {
+                case 0: drawLandscape(c, number % 3, number); break;
+                case 1: drawPlasma(c, number, number); break;
+                case 2: drawRings(c, number, number); break;
+                default: drawTiles(c, number, number); break;
+            }
             break;
-        }
         case Motif::Preview: drawPreview(c, number, plan.type == 0x01); break;
         case Motif::Frame: drawFrame(c, number); break;
         case Motif::Menu: drawMenu(c, number); break;
-        case Motif::Icon: drawIcon(c, number % kDemoIconKinds, number / kDemoIconKinds, insetBox(wholeCanvas(c), 15, 16)); break;
+        case Motif::Icon:
+            drawIcon(c, number % kDemoIconKinds, number / kDemoIconKinds, insetBox(wholeCanvas(c), 15, 16));
+            break;
         case Motif::Dot: drawDot(c, number); break;
         case Motif::Label: drawLabel(c, number); break;
         case Motif::Digit: drawDigit(c, number); break;

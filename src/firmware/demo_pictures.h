@@ -6,7 +6,9 @@
 // Wallpapers: 0 landscape 240 x 320 (0x88), 300 plasma 240 x 320 (0x05, dithered),
 // 701 rings with a fading alpha border 240 x 320 (0x8A), 1051 tiles 240 x 320 (0x87),
 // 1201 colour grid 240 x 320 (0x08), 1401 night landscape 176 x 220 (0x0A),
-// 1402 black-and-white logo 240 x 320 (0x01). The odd records are listed in demo_flash.h.
+// 1402 black-and-white logo 240 x 320 (0x01). Picture 976 is a 16 x 16 icon of type 0x85 (the
+// odd records 977 and 978 point at it), 1700 a 128 x 96 card of type 0x8A. The odd records are
+// listed in demo_flash.h.
 
 #include <cstdint>
 

@@ -65,7 +65,8 @@ void drawLandscape(DemoCanvas& c, int variant, int number) {
             c.blend(x, y, Rgba{255, 255, 230, static_cast<std::uint8_t>(120 + nextRandom(seed) % 136)});
         }
     }
-    const int sx = w * 3 / 4 * kSub, sy = (mood == 2 ? horizon - h / 12 : h * 2 / 5) * kSub, r = w * kSub / (mood == 2 ? 7 : 10);
+    const int sx = w * 3 / 4 * kSub, sy = (mood == 2 ? horizon - h / 12 : h * 2 / 5) * kSub,
+              r = w * kSub / (mood == 2 ? 7 : 10);
     if (mood == 1) {
         fillCircle(c, sx, sy, r, Rgba{235, 235, 215, 255});
         fillCircle(c, sx + r / 2, sy - r / 3, r, c.at(std::min(w - 1, sx / kSub + r / kSub + 2), sy / kSub));
@@ -84,10 +85,13 @@ void drawLandscape(DemoCanvas& c, int variant, int number) {
         const int phase = 37 * layer + 11 * variant + number;
         const Rgba upper = mix(hills[layer][0], Rgba{10, 10, 30, 255}, dim);
         const Rgba lower = mix(hills[layer][1], Rgba{5, 5, 20, 255}, dim);
-        fillBelow(c, [&](int x) {
-            const int u = x * 256 * (2 + layer) / w;
-            return base - (isin(u + phase) * amp + isin(u * 3 / 2 + 2 * phase) * amp / 3) / 1024;
-        }, upper, lower);
+        fillBelow(
+            c,
+            [&](int x) {
+                const int u = x * 256 * (2 + layer) / w;
+                return base - (isin(u + phase) * amp + isin(u * 3 / 2 + 2 * phase) * amp / 3) / 1024;
+            },
+            upper, lower);
     }
     const int scale = titleScale(c);
     titleText(c, h / 10, kTitle, scale);
@@ -101,7 +105,8 @@ void drawPlasma(DemoCanvas& c, int variant, int number) {
         for (int x = 0; x < w; ++x) {
             const int dx = x - w / 3, dy = y - h * 2 / 3;
             const int d = static_cast<int>(isqrt(static_cast<std::uint64_t>(dx * dx + dy * dy)));
-            const int v = isin(x * 256 * 4 / w + 40 * variant) + isin(y * 256 * 3 / h) + isin((x + y) * 2) + isin(d * 4);
+            const int v =
+                isin(x * 256 * 4 / w + 40 * variant) + isin(y * 256 * 3 / h) + isin((x + y) * 2) + isin(d * 4);
             const Rgba colour = hue((v + 4096) * 3 / 8 + 200 * variant);
             c.set(x, y, mix(colour, Rgba{20, 10, 40, 255}, 60 + (isin(d * 2 + 64) + 1024) / 16));
         }
@@ -126,8 +131,8 @@ void drawRings(DemoCanvas& c, int variant, int number) {
             p.a = static_cast<std::uint8_t>(edge >= fade ? 255 : edge * 255 / fade);
             c.set(x, y, p);
         }
-    fillRoundRect(c, w / 8 * kSub, h * 3 / 4 * kSub, w * 7 / 8 * kSub, (h * 3 / 4 + 16 * titleScale(c)) * kSub, 6 * kSub,
-                  Rgba{0, 0, 0, 150});
+    fillRoundRect(c, w / 8 * kSub, h * 3 / 4 * kSub, w * 7 / 8 * kSub, (h * 3 / 4 + 16 * titleScale(c)) * kSub,
+                  6 * kSub, Rgba{0, 0, 0, 150});
     titleText(c, h * 3 / 4 + 2 * titleScale(c), kTitle, titleScale(c));
     footer(c, number, kWhite);
 }
@@ -136,7 +141,8 @@ void drawTiles(DemoCanvas& c, int variant, int number) {
     const int w = c.width(), h = c.height(), size = 20;
     for (int ty = 0; ty * size < h; ++ty)
         for (int tx = 0; tx * size < w; ++tx) {
-            Rgba base = mix(hue(tx * 96 + ty * 160 + 256 * variant), Rgba{128, 128, 128, 255}, (tx + ty) % 2 ? 150 : 60);
+            Rgba base =
+                mix(hue(tx * 96 + ty * 160 + 256 * variant), Rgba{128, 128, 128, 255}, (tx + ty) % 2 ? 150 : 60);
             const int x = tx * size, y = ty * size;
             fillRect(c, x, y, size, size, base);
             fillRect(c, x, y, size, 2, mix(base, kWhite, 110));
@@ -157,8 +163,9 @@ void drawColourGrid(DemoCanvas& c, int variant, int number) {
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) {
             const int b = (variant % 2 ? 255 - x * 255 / w : 128 + isin((x + y) * 256 / (w + h)) / 8);
-            c.set(x, y, Rgba{static_cast<std::uint8_t>(x * 255 / (w - 1)), static_cast<std::uint8_t>(y * 255 / (h - 1)),
-                             static_cast<std::uint8_t>(std::clamp(b, 0, 255)), 255});
+            c.set(x, y,
+                  Rgba{static_cast<std::uint8_t>(x * 255 / (w - 1)), static_cast<std::uint8_t>(y * 255 / (h - 1)),
+                       static_cast<std::uint8_t>(std::clamp(b, 0, 255)), 255});
         }
     for (int x = 0; x < w; x += 24) fillRect(c, x, 0, 1, h, Rgba{255, 255, 255, 90});
     for (int y = 0; y < h; y += 24) fillRect(c, 0, y, w, 1, Rgba{255, 255, 255, 90});
@@ -185,7 +192,8 @@ void drawMonoLogo(DemoCanvas& c, int number) {
     fillRect(c, w - 4, 0, 4, h, black);
     const int top = h / 3;
     fillRoundRect(c, 16 * kSub, top * kSub, (w - 16) * kSub, (top + 56) * kSub, 8 * kSub, black);
-    fillRoundRect(c, 19 * kSub, (top + 3) * kSub, (w - 19) * kSub, (top + 53) * kSub, 6 * kSub, Rgba{255, 255, 255, 255});
+    fillRoundRect(c, 19 * kSub, (top + 3) * kSub, (w - 19) * kSub, (top + 53) * kSub, 6 * kSub,
+                  Rgba{255, 255, 255, 255});
     drawText(c, (w - textWidth(kTitle, 3)) / 2, top + 6, kTitle, 3, black);
     const Rgba white{255, 255, 255, 255};
     fillRoundRect(c, 30 * kSub, (top + 72) * kSub, (w - 30) * kSub, (top + 130) * kSub, 6 * kSub, white);

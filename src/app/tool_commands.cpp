@@ -1,0 +1,254 @@
+// The Tools menu's encoders and converters: BMP>GPF, PNG>GPF, GPF<>DAT, GPF<>GPF2, and the
+// placeholder pictures.
+#include "app/hex_text.h"
+#include "app/workspace.h"
+#include "codec/bmp_file.h"
+#include "codec/picture_encoder.h"
+#include "codec/png_file.h"
+#include "containers/dat_header.h"
+#include "containers/gpf_header.h"
+
+namespace korvatek::app {
+
+using settings::MessageKey;
+
+namespace {
+
+constexpr const char* kContainerFilter = "Graphic Patch File 2(*.gpf2)|*.gpf2|Graphic Patch File (*.gpf)|*.gpf";
+constexpr const char* kGpf2Filter = "Graphic Patch File 2(*.gpf2)|*.gpf2";
+constexpr const char* kGpfFilter = "Graphic Patch File (*.gpf)|*.gpf";
+constexpr const char* kGpfFirstFilter = "Graphic Patch File (*.gpf)|*.gpf|Graphic Patch File 2(*.gpf2)|*.gpf2";
+constexpr const char* kDatFilter = "Siemens theme cache(*.dat)|*.dat";
+constexpr const char* kAnyContainerFilter =
+    "Graphic Patch File 2(*.gpf2)|*.gpf2|Graphic Patch File (*.gpf)|*.gpf|Siemens theme cache(*.dat)|*.dat";
+
+bool endsWith(const std::string& text, std::string_view tail) {
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+std::string dropLast(const std::string& text, std::size_t n) { return text.size() > n ? text.substr(0, text.size() - n) : ""; }
+
+bool fitsVersion1(int width, int height) {
+    return width >= 0 && height >= 0 && width <= containers::kGpf1MaxSize && height <= containers::kGpf1MaxSize;
+}
+
+}  // namespace
+
+bool Workspace::confirmReplace(const std::string& path) {
+    if (CheckFexist(path)) return true;
+    if (!ui.askOkCancel(msg(MessageKey::MsgFile) + path + msg(MessageKey::MsgFileExists))) return false;
+    deleteFile(path);
+    return true;
+}
+
+std::optional<std::string> Workspace::askContainerTarget() {
+    std::string target;
+    bool cancelled = false;
+    OSdialog(cancelled, kContainerFilter, "GPF", target, true);
+    if (cancelled || !confirmReplace(target)) return std::nullopt;
+    return target;
+}
+
+void Workspace::writeCanvasContainer(const std::string& target) {
+    IsGPF2 = endsWith(target, "2");
+    const int width = canvas.metaWidth;
+    const int height = canvas.metaHeight;
+    if (!IsGPF2 && !fitsVersion1(width, height))
+        return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgGpfV1MaxSize));
+    Bytes file = containers::SaveGPFhead(IsGPF2, width, height, TargetTypeField);
+    if (containers::typeCodeOf(TargetTypeField) == codec::kTarget1Bit) {
+        const Bytes data = codec::SaveGPFmono(canvas);
+        file.insert(file.end(), data.begin(), data.end());
+    } else {
+        const codec::RunLengthResult encoded = codec::SaveGPFraw(canvas, containers::typeCodeOf(TargetTypeField));
+        for (int i = 0; i < encoded.stepsBeforeStart; ++i) showMessage("err");
+        file.insert(file.end(), encoded.data.begin(), encoded.data.end());
+    }
+    containers::padContainer(file);
+    writeOutput(target, file);
+}
+
+void Workspace::mnu_ToolsBMPtoGPF(int targetType) {
+    TargetTypeField = std::string{static_cast<char>(targetType), '\0'};
+    BMPtoGPFtool();
+}
+
+void Workspace::mnu_ToolsPNGtoGPF(int targetType) {
+    TargetTypeField = std::string{static_cast<char>(targetType), '\0'};
+    PNGtoGPFtool();
+}
+
+void Workspace::BMPtoGPFtool() {
+    ActionFailed = false;
+    std::string source = BmpFolderMode ? PresetBmpPath : std::string();
+    if (!BmpFolderMode) {
+        // Replacing a picture proposes its number as the name.
+        const firmware::PictureRecord* row = NoDialog ? selectedPicture() : nullptr;
+        source = row ? row->number + ".bmp" : "";
+        OSdialog(ActionFailed, "BitMap File (*.bmp)|*.bmp", "BMP", source, false);
+        if (ActionFailed) return;
+    }
+    const auto file = readFile(source);
+    if (!file) return fail(file.error());
+    ByteReader in(*file);
+    const codec::BmpHeadResult head = codec::LoadBMPhead(in);
+    if (head.error) return fail(*head.error);
+    GlyphShown = false;
+    const Status loaded = codec::LoadBMP(in, head.header, canvas);
+    if (!loaded) return fail(loaded.error());
+    preview = Preview{Preview::Source::Picture, head.header.width, head.header.height};
+
+    std::string target = PresetPath;
+    if (!NoDialog) {
+        const auto chosen = askContainerTarget();
+        if (!chosen) {
+            ActionFailed = true;
+            return;
+        }
+        target = *chosen;
+    } else if (!CheckFexist(target)) {
+        deleteFile(target);
+    }
+    writeCanvasContainer(target);
+    if (!ActionFailed && !NoDialog) showSuccess();
+}
+
+void Workspace::PNGtoGPFtool() {
+    ActionFailed = false;
+    std::string source = "xxx.png";
+    if (!NoDialog) {
+        OSdialog(ActionFailed, "Portable Network Graphics File (*.png)|*.png", "PNG", source, false);
+        if (ActionFailed) return;
+    } else {
+        source = PresetBmpPath;
+    }
+    const auto file = readFile(source);
+    if (!file) return fail(file.error());
+    ByteReader in(*file);
+    const codec::PngHeadResult head = codec::LoadPNGhead(in);
+    PngColourTypeName = head.head.colourTypeName;
+    PngResolutionText = head.head.resolutionText;
+    if (head.error) return fail(*head.error);
+    const Status decoded = codec::decodePng(*file, canvas);
+    if (!decoded) return fail(decoded.error());
+    preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};
+
+    std::string target = PresetPath;
+    if (!NoDialog) {
+        const auto chosen = askContainerTarget();
+        if (!chosen) {
+            ActionFailed = true;
+            return;
+        }
+        target = *chosen;
+    } else if (!CheckFexist(target)) {
+        deleteFile(target);
+    }
+    writeCanvasContainer(target);
+    if (!ActionFailed && !NoDialog) showSuccess();
+}
+
+void Workspace::mnu_ToolsGPFakaDAT() {
+    ActionFailed = false;
+    std::string source;
+    OSdialog(ActionFailed, kAnyContainerFilter, "GPF or DAT", source, false);
+    if (ActionFailed) return;
+    if (CheckFexist(source)) {
+        showMessage(msg(MessageKey::MsgFileNotExist));
+        ActionFailed = true;
+        return;
+    }
+    // Exactly "dat", as typed: a name ending in "DAT" is a container.
+    const bool fromDat = endsWith(source, "dat");
+    if (fromDat)
+        LoadDAT(source);
+    else
+        LoadGPF(source);
+    if (ActionFailed) return;
+
+    // The proposed name loses 5 characters when the last container loaded was a GPF2, also
+    // for a theme cache source; the rule has always been so.
+    std::string target = dropLast(source, IsGPF2 ? 5 : 4);
+    OSdialog(ActionFailed, fromDat ? kGpf2Filter : kDatFilter, fromDat ? "GPF" : "DAT", target, true);
+    if (ActionFailed) return;
+    if (!confirmReplace(target)) {
+        ActionFailed = true;
+        return;
+    }
+
+    const auto original = readFile(source);
+    if (!original) return fail(original.error());
+    Bytes file;
+    if (fromDat) {
+        IsGPF2 = true;
+        file = containers::SaveGPFhead(true, picture.width, picture.height, picture.typeText);
+    } else {
+        file = containers::SaveDAThead(picture.width, picture.height, picture.typeText);
+    }
+    // A theme cache head is skipped as 4 bytes, so its type byte travels as the first data
+    // byte; the copy writes once more after the last byte, repeating it.
+    const std::size_t skip = fromDat ? 4 : containers::kGpfHeaderSize;
+    const Bytes& src = *original;
+    if (src.size() > skip) {
+        file.insert(file.end(), src.begin() + static_cast<std::ptrdiff_t>(skip), src.end());
+        file.push_back(src.back());
+    } else {
+        file.push_back(0);
+    }
+    if (writeOutput(target, file)) showSuccess();
+}
+
+void Workspace::mnu_ToolsGPFakaGPF2() {
+    ActionFailed = false;
+    std::string source;
+    OSdialog(ActionFailed, kGpfFirstFilter, "GPF", source, false);
+    if (ActionFailed) return;
+    if (CheckFexist(source)) {
+        showMessage(msg(MessageKey::MsgFileNotExist));
+        ActionFailed = true;
+        return;
+    }
+    LoadGPF(source);
+    if (ActionFailed) return;
+    const bool toVersion2 = !IsGPF2;
+    if (!toVersion2 && !fitsVersion1(picture.width, picture.height))
+        return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgGpfV1MaxSize));
+
+    std::string target = dropLast(source, IsGPF2 ? 5 : 4);
+    OSdialog(ActionFailed, toVersion2 ? kGpf2Filter : kGpfFilter, "GPF", target, true);
+    if (ActionFailed) return;
+    if (!confirmReplace(target)) {
+        ActionFailed = true;
+        return;
+    }
+    auto original = readFile(source);
+    if (!original) return fail(original.error());
+    Bytes file = std::move(*original);
+    IsGPF2 = toVersion2;
+    const Bytes header = containers::SaveGPFhead(IsGPF2, picture.width, picture.height, picture.typeText);
+    if (file.size() < header.size()) file.resize(header.size(), 0);
+    std::copy(header.begin(), header.end(), file.begin());
+    if (writeOutput(target, file)) showSuccess();
+}
+
+std::string Workspace::MakeEmptyGPF2() {
+    const std::string path = temporaryPath("/empty.gpf2");
+    deleteFile(path);
+    // Always the 48-byte container of a 1 x 1 monochrome picture: header and 16 zero bytes.
+    Bytes file = containers::SaveGPFhead(true, 1, 1, std::string{'\x01', '\0'});
+    containers::padContainer(file);
+    (void)writeFile(path, file);
+    return path;
+}
+
+std::string Workspace::MakeEmptyBMP() {
+    const std::string path = temporaryPath("/empty.bmp");
+    deleteFile(path);
+    // A 1 x 1 black pixel without its row padding byte, both size fields left 0.
+    Bytes file = codec::SaveBMPhead(1, 1, 24);
+    file.insert(file.end(), 3, 0);
+    (void)writeFile(path, file);
+    return path;
+}
+
+}  // namespace korvatek::app

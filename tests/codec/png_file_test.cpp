@@ -1,0 +1,119 @@
+#include "codec/png_file.h"
+
+#include <gtest/gtest.h>
+#include <png.h>
+
+namespace korvatek::codec {
+
+namespace {
+
+void chunk(Bytes& out, const std::string& type, const Bytes& data) {
+    const auto n = static_cast<std::uint32_t>(data.size());
+    out.insert(out.end(), {static_cast<std::uint8_t>(n >> 24), static_cast<std::uint8_t>(n >> 16),
+                           static_cast<std::uint8_t>(n >> 8), static_cast<std::uint8_t>(n)});
+    out.insert(out.end(), type.begin(), type.end());
+    out.insert(out.end(), data.begin(), data.end());
+    out.insert(out.end(), 4, 0xEE);  // the walk never checks a CRC
+}
+
+Bytes headerOnly(std::uint32_t width, std::uint32_t height, int colourType, const Bytes& phys = {}) {
+    Bytes png(std::begin(kPngSignature), std::end(kPngSignature));
+    chunk(png, "IHDR",
+          {static_cast<std::uint8_t>(width >> 24), static_cast<std::uint8_t>(width >> 16),
+           static_cast<std::uint8_t>(width >> 8), static_cast<std::uint8_t>(width), static_cast<std::uint8_t>(height >> 24),
+           static_cast<std::uint8_t>(height >> 16), static_cast<std::uint8_t>(height >> 8),
+           static_cast<std::uint8_t>(height), 8, static_cast<std::uint8_t>(colourType), 0, 0, 0});
+    if (!phys.empty()) chunk(png, "pHYs", phys);
+    chunk(png, "iCCP", Bytes(20, 1));
+    chunk(png, "IEND", {});
+    return png;
+}
+
+PngHeadResult head(const Bytes& png) {
+    ByteReader in(png);
+    return LoadPNGhead(in);
+}
+
+// A real PNG written by libpng's simplified writer.
+Bytes writePng(int width, int height, bool alpha) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(width);
+    image.height = static_cast<png_uint_32>(height);
+    image.format = alpha ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
+    const int channels = alpha ? 4 : 3;
+    Bytes pixels(static_cast<std::size_t>(width * height * channels));
+    for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<std::uint8_t>(i * 7);
+    png_alloc_size_t size = 0;
+    png_image_write_to_memory(&image, nullptr, &size, 0, pixels.data(), 0, nullptr);
+    Bytes out(size);
+    png_image_write_to_memory(&image, out.data(), &size, 0, pixels.data(), 0, nullptr);
+    out.resize(size);
+    return out;
+}
+
+}  // namespace
+
+TEST(PngHead, readsSizeColourTypeAndResolution) {
+    const auto r = head(headerOnly(13, 7, 6, {0, 0, 0x0E, 0xC4, 0, 0, 0x0E, 0xC4, 1}));
+    ASSERT_FALSE(r.error.has_value());
+    EXPECT_EQ(r.head.width, 13);
+    EXPECT_EQ(r.head.height, 7);
+    EXPECT_EQ(r.head.bitDepth, 8);
+    EXPECT_EQ(r.head.colourTypeName, "Truecolour with alpha");
+    EXPECT_EQ(r.head.resolutionText, "Values in inch 96 x 96");  // 3780 / 39.375
+    EXPECT_EQ(head(headerOnly(1, 1, 2, {0, 0, 0, 1, 0, 0, 0, 2, 0})).head.resolutionText, "Aspect Ratio only..");
+    EXPECT_EQ(colourTypeName(0), "Greyscale");
+    EXPECT_EQ(colourTypeName(3), "Indexed-colour");
+    EXPECT_EQ(colourTypeName(4), "Greyscale with alpha");
+}
+
+TEST(PngHead, refusals) {
+    EXPECT_EQ(head(headerOnly(241, 100, 2)).error->message, settings::MessageKey::MsgMaxSize);
+    EXPECT_EQ(head(headerOnly(100, 321, 2)).error->message, settings::MessageKey::MsgMaxSize);
+    EXPECT_FALSE(head(headerOnly(240, 320, 2)).error.has_value());
+    Bytes notPng = headerOnly(1, 1, 2);
+    notPng[1] = 'X';
+    EXPECT_EQ(head(notPng).error->message, settings::MessageKey::MsgUnknownFile);
+    EXPECT_EQ(head({}).error->message, settings::MessageKey::MsgUnknownFile);
+    // a chunk that claims more than the file holds ends the walk, with what was read
+    Bytes lying = headerOnly(2, 2, 2);
+    lying[8 + 25] = 0x7F;  // the length of the chunk after IHDR
+    const auto r = head(lying);
+    EXPECT_FALSE(r.error.has_value());
+    EXPECT_EQ(r.head.width, 2);
+}
+
+TEST(PngDecode, alphaIsKeptOnlyForTypesThatCarryIt) {
+    for (bool alpha : {false, true}) {
+        const Bytes png = writePng(5, 3, alpha);
+        PixelCanvas canvas;
+        ASSERT_TRUE(decodePng(png, canvas).ok());
+        EXPECT_EQ(canvas.metaWidth, 5);
+        EXPECT_EQ(canvas.metaHeight, 3);
+        const int channels = alpha ? 4 : 3;
+        const std::size_t i = static_cast<std::size_t>((1 * 5 + 2) * channels);  // pixel (2, 1)
+        const auto v = [&](std::size_t k) { return static_cast<std::uint8_t>((i + k) * 7); };
+        EXPECT_EQ(canvas.at(2, 1), (Cell{v(2), v(1), v(0), alpha ? v(3) : std::uint8_t{0xFF}}));
+    }
+}
+
+TEST(PngDecode, corruptOrTruncatedFilesAreUnknown) {
+    const Bytes png = writePng(20, 20, true);
+    Bytes corrupt = png;
+    corrupt[corrupt.size() - 20] ^= 0x55;  // inside IDAT: its CRC no longer matches
+    Bytes truncated(png.begin(), png.begin() + static_cast<std::ptrdiff_t>(png.size() / 2));
+    for (const Bytes& bad : {corrupt, truncated, Bytes{}, Bytes(100, 0)}) {
+        PixelCanvas canvas;
+        const Status s = decodePng(bad, canvas);
+        ASSERT_FALSE(s.ok());
+        EXPECT_EQ(s.error().message, settings::MessageKey::MsgUnknownFile);
+    }
+}
+
+TEST(PngDecode, aPictureLargerThanTheLimitIsRefusedBeforeDecoding) {
+    PixelCanvas canvas;
+    EXPECT_FALSE(decodePng(writePng(241, 1, false), canvas).ok());
+}
+
+}  // namespace korvatek::codec
