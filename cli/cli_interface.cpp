@@ -19,6 +19,9 @@ void printLine(const std::string& text) {
 void CliInterface::showMessage(const std::string& text, const std::string& title) {
     ScriptedInterface::showMessage(text, title);
     if (text == m_successText) return;  // the exit status says it
+    const bool notice = !replaceNoticeTail.empty() && text.size() >= replaceNoticeTail.size() &&
+                        text.compare(text.size() - replaceNoticeTail.size(), replaceNoticeTail.size(), replaceNoticeTail) == 0;
+    if (!notice) ++problems;
     printLine(text);
 }
 
@@ -30,6 +33,7 @@ bool CliInterface::askOkCancel(const std::string& text) {
         return answer;
     }
     if (!alphaQuestion.empty() && text == alphaQuestion) return alphaAnswer;
+    if (const auto it = fixedAnswers.find(text); it != fixedAnswers.end()) return it->second;
     printLine(text);
     return true;
 }

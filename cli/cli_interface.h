@@ -3,6 +3,7 @@
 // before the command runs; messages go to stderr, one per line, and questions are answered OK
 // (with the notice printed) unless the command queued another answer.
 
+#include <map>
 #include <string>
 
 #include "app/scripted_interface.h"
@@ -19,6 +20,11 @@ public:
     // The answer to "Save alphachannel for image?" (--alpha).
     std::string alphaQuestion;
     bool alphaAnswer = false;
+    // Questions answered without printing them (e.g. Cancel to "open the patched copy?").
+    std::map<std::string, bool> fixedAnswers;
+    // Messages that report a problem (anything but the success text and replace notices).
+    int problems = 0;
+    std::string replaceNoticeTail;  // " already exists and will be replaced"
 
 private:
     std::string m_successText;

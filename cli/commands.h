@@ -30,5 +30,9 @@ int runDecode(const Words& words);
 int runDemoFlash(const Words& words);
 int runEncode(const Words& words);
 int runConvert(const Words& words);
+int runPatch(const Words& words);
+int runApply(const Words& words);
+int runMake(const Words& words);
+int runLumbra(const Words& words);
 
 }  // namespace korvatek::cli

@@ -25,10 +25,16 @@ const std::vector<Command>& commands() {
         {"picture", "picture FLASH N", "decode picture N and print its information", runPicture},
         {"export", "export FLASH N -o OUT.gpf2|OUT.bmp [--alpha]\n       korvatek-cli export FLASH all --dir DIR --format gpf2|bmp [--alpha]",
          "save one or all pictures as GPF2 or BMP", runExport},
+        {"patch", "patch FLASH -o OUT.vkp REPL...\n       REPL: N=FILE.gpf2 | N=FILE.gpf | N=FILE.bmp:TYPE | N=FILE.png:TYPE |"
+                  " --gpf-folder DIR | --bmp-folder DIR:TYPE (TYPE 1, 8, 16, 24 or orig)",
+         "replace pictures and write the picture patch", runPatch},
+        {"apply", "apply FLASH PATCH.vkp -o OUT.bin", "check a V_Klay patch and write a patched copy", runApply},
         {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode},
         {"encode", "encode IN.bmp|IN.png -o OUT.gpf2|OUT.gpf --type 1|8|16|24",
          "encode a BMP or PNG into a container", runEncode},
         {"convert", "convert IN -o OUT", "convert GPF/GPF2 to DAT, DAT to GPF2, or GPF to GPF2 and back", runConvert},
+        {"make", "make SRC_DIR OUT_DIR", "build the picture area blocks from a folder of containers", runMake},
+        {"lumbra", "lumbra IN.vkp OUT_DIR", "turn another tool's picture patch into GPF2 files", runLumbra},
         {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash},
     };
     return list;

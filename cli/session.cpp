@@ -8,6 +8,7 @@ using settings::MessageKey;
 
 Session::Session() : m_ui(settings::LanguageEN().messages[0].data()), m_workspace(m_ui) {
     m_ui.alphaQuestion = m_workspace.msg(MessageKey::MsgSaveAlpha);
+    m_ui.replaceNoticeTail = m_workspace.msg(MessageKey::MsgFileExists);
     m_workspace.StopOnRefusedFormat = true;
 }
 

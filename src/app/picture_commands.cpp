@@ -34,6 +34,7 @@ void Workspace::LoadPIC() {
     // The old program positioned the file with a read of the byte before the data; at offset
     // 0 that read would fall before the file, so nothing can be decoded there.
     if (dataOffset <= 0) {
+        picture.dataLength.assign(1, '0');  // nothing is stored for it: a replacement goes to free space
         fail(makeError(ErrorCode::BadOffset, MessageKey::MsgDataOffsetZero));
         ShownPicture.reset();
         return;

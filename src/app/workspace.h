@@ -86,6 +86,28 @@ public:
     std::string MakeEmptyGPF2();
     std::string MakeEmptyBMP();
 
+    // ---- picture replacement and the picture patch (popup menu of the picture list)
+    void mnuPopup_LoadGPF();
+    void mnuPopup_LoadGPFfolder();
+    void mnuPopup_LoadBMP(int targetType);      // 0x01, 0x85, 0x88, 0x8A
+    void mnuPopup_LoadBMPs(int targetType);
+    void mnuPopup_LoadBMPs_Origbit();           // each picture keeps its own type
+    void ReplacePictureFromBMP();
+    void ReplacePictureFromPNG(const std::string& path);  // converted as the PNG tool does
+    void ReplacePicturesFromBMPFolder();
+    void AddPictureToPatch();
+    void mnuPopup_SavePatch();
+    void mnuPopup_DiscardPatch();               // drops the collected patch and its marks
+    bool mnuPopup_SavePatchEnabled() const { return PatchInProgress; }
+    // The free-space search from FreeSpaceStart; on success FreeSpaceStart moves past the area.
+    std::optional<std::uint32_t> FindFreeSpace(std::uint32_t size);
+    std::string collectingPatchPath() const;
+
+    // ---- Tools: Make, the other tool's patches, checking and applying a patch
+    void mnu_ToolsMake();
+    void mnu_ToolsConvertLumbrapatch();
+    void mnu_ToolsCheckPatch();
+
     // ---- helpers shared by the commands
     // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
     void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
@@ -139,6 +161,11 @@ public:
     bool KeepOwnType = false;         // "original" in Load BMPs: each picture keeps its type
     bool BmpFolderMode = false;       // the BMP path is given (PresetBmpPath), no BMP dialog
     std::string PresetBmpPath;
+    int ReplacePictureNumber = 0;
+    bool UsedFreeSpace = false;
+    bool PatchInProgress = false;
+    std::string PicturePatchText;     // what the collecting file holds
+    std::string PatchedCopyPath;      // the copy the patch check wrote last
     std::string PngColourTypeName;    // what the last PNG header said
     std::string PngResolutionText;
 

@@ -45,7 +45,10 @@ Bytes SaveBMPhead(int width, int height, int bits) {
 Result<Bytes> encodeBmp(const PixelCanvas& canvas, int outputDepth) {
     const int width = canvas.metaWidth;
     const int height = canvas.metaHeight;
-    if (width > canvas.columns() || height > canvas.rows())
+    // Only a size whose pixels would lie off the canvas is refused; a size with no pixels
+    // (a zero or negative side) writes the header alone.
+    const bool hasPixels = width > 0 && height > 0;
+    if (hasPixels && (width > canvas.columns() || height > canvas.rows()))
         return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas);
 
     Bytes file = SaveBMPhead(width, height, canvas.metaDepth);

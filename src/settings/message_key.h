@@ -42,6 +42,11 @@ enum class MessageKey : int {
     MsgNoSuchPicture,     // "No such picture in the list: " + number
     MsgBmpNot24or32,      // "This is not 24 or 32bit bmp!"
     MsgBmpCompressed,     // "Compressed BMPs not supported!"
+    MsgPatchMalformed,    // "This is not a V_Klay patch line: " + line number and reason
+    MsgPatchMismatch,     // "Old bytes do not match the fullflash at 0x" + address
+    MsgPatchBeyond,       // "Patch address beyond the end of the fullflash: 0x" + address
+    MsgPatchSameFile,     // the patched copy would replace the fullflash itself
+    MsgOpenPatchedCopy,   // "The patch matches. Open the patched copy now?"
     Count
 };
 
@@ -59,6 +64,7 @@ enum class CaptionKey : int {
     mnu_ToolsConvertLumbrapatch,
     mnu_Options,
     mnu_About,
+    mnu_ToolsCheckPatch,
     // picture list popup
     mnuPopup_LoadGPF,
     mnuPopup_LoadGPFfolder,
@@ -70,6 +76,7 @@ enum class CaptionKey : int {
     mnuPopup_SaveAllBMP,
     mnuPopup_SavePatch,
     mnuPopup_CopyColumnHeader,
+    mnuPopup_DiscardPatch,
     // glyph list popup
     mnuPopup2_LoadBMP,
     mnuPopup2_LoadBMPfolder,

@@ -1,0 +1,48 @@
+#include "patch/vkp_text.h"
+
+#include <algorithm>
+
+#include "app/byte_reader.h"
+#include "app/hex_text.h"
+
+namespace korvatek::patch {
+
+std::string boxLine() { return "; " + std::string(71, '#'); }
+
+std::string pictureHeader(const std::string& phoneModel) {
+    const std::string blank = "; ###" + std::string(65, ' ') + "###";
+    std::string text;
+    for (const std::string& line : {
+             boxLine(),
+             // the right edge is not padded to the box width, as it never was
+             "; ### This file is made by " + std::string(kProgramTitle) + std::string(12, ' ') + "###",
+             std::string("; ### Made by the Korvatek developers for the phone modding community ###"),
+             blank,
+             std::string("; ### Korvatek: picture and font editor for E71 and EL71 fullflashes ###"),
+             blank,
+             "; ### Patch for: BenQ-SIEMENS " + phoneModel + std::string(37, ' ') + "###",
+             boxLine(),
+         })
+        text += line + kLineEnd;
+    return text;
+}
+
+std::string sectionLine(int pictureNumber) { return "; ##### Picture" + app::signedText(pictureNumber) + " #####"; }
+
+std::string patchLine(std::uint64_t offset, ByteView oldBytes, ByteView newBytes) {
+    return "0" + app::hexText(offset) + ": " + app::ASCtext2HEXtext(oldBytes, false) + " " +
+           app::ASCtext2HEXtext(newBytes, false);
+}
+
+std::string patchLines(ByteView image, std::uint64_t offset, ByteView newBytes) {
+    std::string text;
+    ByteReader old(image, offset);
+    for (std::size_t at = 0; at < newBytes.size(); at += 16) {
+        const std::size_t n = std::min<std::size_t>(16, newBytes.size() - at);
+        const Bytes oldBytes = old.bytes(n);
+        text += patchLine(offset + at, oldBytes, newBytes.subspan(at, n)) + kLineEnd;
+    }
+    return text;
+}
+
+}  // namespace korvatek::patch
