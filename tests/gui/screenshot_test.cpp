@@ -1,0 +1,73 @@
+// Renders the window as a person sees it, for a look: the demonstration fullflash open with a
+// picture selected, the Fonts tab, the picture popup and the options dialog, as PNG files in
+// <build>/screenshots.
+#include <QDir>
+#include <QMenu>
+#include <QTabBar>
+#include <QTest>
+#include <QTreeView>
+
+#include "options_dialog.h"
+#include "picture_list_model.h"
+#include "test_classes.h"
+#include "test_support.h"
+
+namespace korvatek::gui::test {
+
+class ScreenshotTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() {
+        QVERIFY(QDir().mkpath(KORVATEK_SCREENSHOT_DIR));
+        m_window = makeWindow();
+        m_window->resize(1080, 740);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        m_window->startUp({demoFlashPath()});
+    }
+    void cleanupTestCase() { m_window.reset(); }
+
+    void picturesTab() {
+        auto* list = m_window->findChild<QTreeView*>("ListView1");
+        const int row = qEnvironmentVariableIntValue("KORVATEK_SCREENSHOT_ROW");
+        list->setCurrentIndex(m_window->pictureModel().index(row, 0));
+        save(m_window->grab(), "form1_pictures.png");
+    }
+
+    void fontsTab() {
+        auto* tabs = m_window->findChild<QTabBar*>("TabStrip1");
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
+        save(m_window->grab(), "form1_fonts.png");
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(0).center());
+    }
+
+    void picturePopup() {
+        auto* popup = m_window->findChild<QMenu*>("mnuPopup");
+        popup->popup(m_window->mapToGlobal(QPoint(200, 200)));
+        QVERIFY(QTest::qWaitForWindowExposed(popup));
+        save(popup->grab(), "popup_pictures.png");
+        popup->hide();
+    }
+
+    void optionsDialog() {
+        auto dialog = m_window->makeOptionsDialog();
+        dialog->show();
+        QVERIFY(QTest::qWaitForWindowExposed(dialog.get()));
+        save(dialog->grab(), "options.png");
+    }
+
+private:
+    static void save(const QPixmap& shot, const char* name) {
+        const QString path = QStringLiteral(KORVATEK_SCREENSHOT_DIR "/") + QLatin1String(name);
+        QVERIFY2(shot.save(path), qPrintable(path));
+        qInfo("%s", qPrintable(path));
+    }
+
+    std::unique_ptr<Form1> m_window;
+};
+
+KORVATEK_TEST_CLASS(ScreenshotTest);
+
+}  // namespace korvatek::gui::test
+
+#include "screenshot_test.moc"
