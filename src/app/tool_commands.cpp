@@ -61,6 +61,7 @@ void Workspace::writeCanvasContainer(const std::string& target) {
         file.insert(file.end(), data.begin(), data.end());
     } else {
         const codec::RunLengthResult encoded = codec::SaveGPFraw(canvas, containers::typeCodeOf(TargetTypeField));
+        if (encoded.outsideCanvas) return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas));
         for (int i = 0; i < encoded.stepsBeforeStart; ++i) showMessage("err");
         file.insert(file.end(), encoded.data.begin(), encoded.data.end());
     }

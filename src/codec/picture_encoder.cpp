@@ -64,7 +64,8 @@ public:
         : m_canvas(canvas), m_target(targetType), m_width(clippedWidth(canvas)), m_height(clippedHeight(canvas)) {}
 
     RunLengthResult run() {
-        if (m_width <= 0 || m_height <= 0) return {};
+        // A zero or negative side never brings the scan to its end: it would run off the canvas.
+        if (m_width <= 0 || m_height <= 0) return {{}, 0, true};
         while (!m_finished) groupStart();
         return {std::move(m_out), m_steps};
     }

@@ -27,6 +27,7 @@ Bytes SaveGPFmono(const PixelCanvas& canvas);
 struct RunLengthResult {
     Bytes data;
     int stepsBeforeStart = 0;  // times the scan stepped back before the first cell ("err")
+    bool outsideCanvas = false;  // a size with no rows or columns: the scan would never end
 };
 
 // SaveGPFraw: the run-length groups of the canvas for target 0x85, 0x88 or 0x8A. Cells are

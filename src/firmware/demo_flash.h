@@ -16,13 +16,14 @@ inline constexpr std::uint32_t kDemoFlashSize = 0x2000000;
 
 // Glyph references of every font are relative to this offset (the pointer at 0x15C0020).
 inline constexpr std::uint32_t kDemoFontAreaOffset = 0x1840000;
-inline constexpr std::uint32_t kDemoFontAreaSize = 0x30000;
+inline constexpr std::uint32_t kDemoFontAreaSize = 0x40000;
 inline constexpr int kDemoFontCount = 3;
 inline constexpr std::array<int, kDemoFontCount> kDemoFontEntries = {800, 256, 224};
 inline constexpr std::array<std::uint8_t, kDemoFontCount> kDemoFontSizes = {0x10, 11, 26};
 // The glyph tables follow the font descriptors, one after another.
 inline constexpr std::uint32_t kDemoGlyphTablesOffset = 0x18B5AB0;
-// Font 1 gives these entries references of the form 0xFFFFxxxx (record at area + 0xxxxx).
+// Font 1 gives these entries references of the form 0xFFFFxxxx (record at area + 0xxxxx,
+// below the records of every ordinary reference).
 inline constexpr int kDemoFfReferenceFont = 1;
 inline constexpr int kDemoFfReferenceFirst = 0xC0;
 inline constexpr int kDemoFfReferenceLast = 0xC5;

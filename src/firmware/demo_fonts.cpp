@@ -14,6 +14,12 @@ namespace {
 constexpr int kLiftedFirst = 375;
 constexpr int kLiftedLast = 783;
 constexpr std::uint32_t kLift = 0x10000;
+// Ordinary references start at 0x10000: a reference of four hex digits or fewer is read as a
+// 16-bit signed number, so 0x8000..0xFFFF would point below the area. The few references of
+// the form 0xFFFFxxxx use their low four digits, so their records lie in the first 0x8000
+// bytes of the area, below every ordinary one.
+constexpr std::uint32_t kFirstReference = 0x10000;
+constexpr std::uint32_t kFirstFfReference = 0x100;
 
 void putU32(Bytes& image, std::uint32_t at, std::uint32_t value) {
     for (int k = 0; k < 4; ++k) image[at + static_cast<std::uint32_t>(k)] = static_cast<std::uint8_t>(value >> (8 * k));
@@ -73,7 +79,8 @@ std::uint32_t demoGlyphRoom(const DemoGlyph& glyph) { return 5U + (glyph.width /
 
 void writeDemoFonts(Bytes& image) {
     std::uint32_t table = kDemoGlyphTablesOffset;
-    std::uint32_t reference = 0;
+    std::uint32_t reference = kFirstReference;
+    std::uint32_t ffReference = kFirstFfReference;
     for (int font = 0; font < kDemoFontCount; ++font) {
         const int entries = kDemoFontEntries[static_cast<std::size_t>(font)];
         const std::uint32_t descriptor = kFontArrayE71v42 + kFontDescriptorSize * static_cast<std::uint32_t>(font);
@@ -87,12 +94,13 @@ void writeDemoFonts(Bytes& image) {
             const DemoGlyph glyph = makeDemoGlyph(i + 1, demoFontScale(font));
             const std::uint32_t slot = roundUp4(demoGlyphRoom(glyph));
             const bool lifted = font == 0 && i >= kLiftedFirst && i <= kLiftedLast;
-            const std::uint32_t record = kDemoFontAreaOffset + reference + (lifted ? kLift : 0);
             const bool ffForm = font == kDemoFfReferenceFont && i >= kDemoFfReferenceFirst && i <= kDemoFfReferenceLast;
+            const std::uint32_t own = ffForm ? ffReference : reference;
+            const std::uint32_t record = kDemoFontAreaOffset + own + (lifted ? kLift : 0);
 
             const std::uint32_t entry = table + 8U * static_cast<std::uint32_t>(i);
             putU32(image, entry, 0);
-            putU32(image, entry + 4, ffForm ? 0xFFFF0000U | reference : reference);
+            putU32(image, entry + 4, ffForm ? 0xFFFF0000U | own : own);
 
             for (std::uint32_t k = 0; k < slot; ++k) image[record + k] = 0;
             image[record] = glyph.advance;
@@ -101,7 +109,7 @@ void writeDemoFonts(Bytes& image) {
             image[record + 3] = glyph.shiftLeft;
             image[record + 4] = glyph.spaceBelow;
             for (std::size_t k = 0; k < glyph.bitmap.size(); ++k) image[record + 5 + k] = glyph.bitmap[k];
-            reference += slot;
+            (ffForm ? ffReference : reference) += slot;
         }
         table += 8U * static_cast<std::uint32_t>(entries);
     }
