@@ -34,5 +34,11 @@ int runPatch(const Words& words);
 int runApply(const Words& words);
 int runMake(const Words& words);
 int runLumbra(const Words& words);
+int runFonts(const Words& words);
+int runGlyphs(const Words& words);
+int runGlyph(const Words& words);
+int runFontSize(const Words& words);
+int runFontPatch(const Words& words);
+int runMakeFont(const Words& words);
 
 }  // namespace korvatek::cli

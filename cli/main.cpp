@@ -35,6 +35,14 @@ const std::vector<Command>& commands() {
         {"convert", "convert IN -o OUT", "convert GPF/GPF2 to DAT, DAT to GPF2, or GPF to GPF2 and back", runConvert},
         {"make", "make SRC_DIR OUT_DIR", "build the picture area blocks from a folder of containers", runMake},
         {"lumbra", "lumbra IN.vkp OUT_DIR", "turn another tool's picture patch into GPF2 files", runLumbra},
+        {"fonts", "fonts FLASH", "list the fonts", runFonts},
+        {"glyphs", "glyphs FLASH FONT", "list the glyphs of a font", runGlyphs},
+        {"glyph", "glyph FLASH FONT CODE -o OUT.bmp\n       korvatek-cli glyph FLASH FONT all --dir DIR",
+         "save one or all glyphs as BMP", runGlyph},
+        {"font-size", "font-size FLASH FONT SIZE -o OUT.vkp", "write a font size patch", runFontSize},
+        {"font-patch", "font-patch FLASH FONT -o OUT.vkp REPL...\n       REPL: CODE=FILE.bmp | --bmp-folder DIR",
+         "replace glyphs and write the glyph patch", runFontPatch},
+        {"make-font", "make-font FLASH FONT SRC_DIR -o OUT.vkp", "rebuild a font from a folder of BMPs", runMakeFont},
         {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash},
     };
     return list;

@@ -105,8 +105,11 @@ bool replace(Session& session, const Replacement& r) {
         ui.openFiles.push_back(r.path);
         ws.mnuPopup_LoadBMP(r.target);
     } else {
+        ws.TargetTypeField = std::string{static_cast<char>(r.target), '\0'};
         ws.ReplacePictureFromPNG(r.path);
     }
+    // A replacement refused before its dialog leaves its file unasked: it must not answer the next.
+    ui.openFiles.clear();
     accepted = ws.ListView1[static_cast<std::size_t>(r.number)].status == "*" && !ws.ActionFailed;
     // A refused replacement leaves the length the next one starts from as it was.
     if (!accepted) ws.picture.dataLength = lengthBefore;

@@ -29,6 +29,24 @@ bool Session::selectPicture(int n) {
     return true;
 }
 
+bool Session::chooseFont(int n) {
+    if (n < 0 || n >= static_cast<int>(m_workspace.Ftype.size())) {
+        m_workspace.showMessage(m_workspace.msg(MessageKey::MsgNoSuchFont) + std::to_string(n));
+        return false;
+    }
+    m_workspace.Ftype_Click(n);
+    return true;
+}
+
+bool Session::selectGlyph(int code) {
+    if (code < 1 || code > static_cast<int>(m_workspace.ListView2.size())) {
+        m_workspace.showMessage(m_workspace.msg(MessageKey::MsgNoSuchGlyph) + std::to_string(code));
+        return false;
+    }
+    m_workspace.selectGlyph(code - 1);
+    return true;
+}
+
 void Session::printInformation() const {
     if (m_workspace.PICinfo.empty()) return;
     std::string text = m_workspace.PICinfo;

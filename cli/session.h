@@ -20,6 +20,10 @@ public:
 
     // Selects the row of picture n; false (with a message) when there is no such row.
     bool selectPicture(int n);
+    // Chooses font n in the selector (reading its glyph table); false when there is none.
+    bool chooseFont(int n);
+    // Selects the glyph of code n (its "#" value); false when there is no such row.
+    bool selectGlyph(int code);
 
     // Prints the information text, one line per text line.
     void printInformation() const;

@@ -116,22 +116,28 @@ void Workspace::SaveGPF() {
 void Workspace::SaveBMP() {
     ActionFailed = false;
     std::string target;
-    const firmware::PictureRecord* row = selectedPicture();
+    // A glyph is saved from the glyph grid, under its row's "#" text; a picture from the canvas.
+    const std::string* number = nullptr;
+    if (GlyphShown) {
+        if (const fonts::GlyphRecord* row = selectedGlyph()) number = &row->number;
+    } else if (const firmware::PictureRecord* row = selectedPicture()) {
+        number = &row->number;
+    }
     if (SingleSave) {
         if (GPFtoBMPtool)
             target = std::filesystem::path(DialogFileName).replace_extension(".bmp").string();
-        else if (row != nullptr)
-            target = row->number + ".bmp";
+        else if (number != nullptr)
+            target = *number + ".bmp";
         OSdialog(ActionFailed, kBmpFilter, "BMP", target, true);
         if (ActionFailed) return;
     } else {
-        if (row == nullptr) {
+        if (number == nullptr) {
             ActionFailed = true;
             return;
         }
-        target = joinPath(BmpOutputFolder, row->number + ".bmp");
+        target = joinPath(BmpOutputFolder, *number + ".bmp");
     }
-    const auto bytes = codec::encodeBmp(canvas, OutputDepth);
+    const auto bytes = GlyphShown ? codec::encodeBmp(glyphGrid, glyphGrid.metaDepth) : codec::encodeBmp(canvas, OutputDepth);
     if (!bytes) return fail(bytes.error());
     if (!CheckFexist(target)) announceReplaceAndDelete(target);
     writeOutput(target, *bytes);

@@ -78,6 +78,33 @@ ReadOnlyFile::~ReadOnlyFile() {
 }
 
 Result<Bytes> readFile(const std::string& path) {
+#ifdef KORVATEK_HAVE_MMAP
+    // One open, one fstat and one read for the usual small file.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return openError(path, errno);
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        const int e = S_ISDIR(st.st_mode) ? EISDIR : (errno ? errno : EINVAL);
+        ::close(fd);
+        return openError(path, e);
+    }
+    Bytes data(static_cast<std::size_t>(st.st_size));
+    std::size_t done = 0;
+    while (done < data.size()) {
+        const ssize_t n = ::read(fd, data.data() + done, data.size() - done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            const int e = errno;
+            ::close(fd);
+            return openError(path, e);
+        }
+        if (n == 0) break;  // the file shrank while it was read
+        done += static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+    data.resize(done);
+    return data;
+#else
     std::error_code ec;
     if (std::filesystem::is_directory(path, ec)) return openError(path, EISDIR);
     std::FILE* f = std::fopen(path.c_str(), "rb");
@@ -91,6 +118,7 @@ Result<Bytes> readFile(const std::string& path) {
     std::fclose(f);
     if (failed) return openError(path, e);
     return data;
+#endif
 }
 
 Status writeFile(const std::string& path, ByteView bytes) {

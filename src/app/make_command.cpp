@@ -56,19 +56,12 @@ void Workspace::mnu_ToolsMake() {
             if (emptyPicture.empty()) emptyPicture = MakeEmptyGPF2();
             path = emptyPicture;
         }
+        // A container that cannot be read stops the tool before anything is written.
         const auto file = readFile(path);
-        if (!file) {
-            fail(file.error());
-            writeBlocks();
-            return;
-        }
+        if (!file) return fail(file.error());
         ByteReader in(*file);
         const auto header = containers::LoadGPFhead(in);
-        if (!header) {
-            fail(makeError(header.error().code, header.error().message, " " + path));
-            writeBlocks();
-            return;
-        }
+        if (!header) return fail(makeError(header.error().code, header.error().message, " " + path));
         // Everything after the 32-byte header: the data and their padding.
         const std::size_t length = file->size() > containers::kGpfHeaderSize ? file->size() - containers::kGpfHeaderSize : 0;
         dataBlock.insert(dataBlock.end(), file->end() - static_cast<std::ptrdiff_t>(length), file->end());

@@ -16,6 +16,8 @@
 #include "codec/pixel_canvas.h"
 #include "firmware/identification.h"
 #include "firmware/picture_record.h"
+#include "fonts/font_patch.h"
+#include "fonts/glyph_record.h"
 #include "settings/message_table.h"
 #include "settings/settings_store.h"
 
@@ -108,6 +110,23 @@ public:
     void mnu_ToolsConvertLumbrapatch();
     void mnu_ToolsCheckPatch();
 
+    // ---- fonts: the font selector, the glyph list and its popup menu
+    void Ftype_Click(int index);                // reads the font's glyph table (FOTload)
+    void selectGlyph(int row);
+    void ListView2_Click();                     // shows the selected glyph
+    void LoadFont();
+    void mnuPopup2_SaveBMP();
+    void mnuPopup2_SaveAllBMP();
+    void mnuPopup2_ChangeFSize();
+    void mnuPopup2_LoadBMP();
+    void mnuPopup2_LoadBMPfolder();
+    void ReplaceGlyphFromBMP();                 // PresetPath, CurrentGlyphNumber
+    void mnuPopup2_SavePatch();
+    void mnuPopup2_DiscardPatch();
+    bool mnuPopup2_SavePatchEnabled() const { return GlyphPatchInProgress; }
+    void mnuPopup2_MakeF();                     // "Compare Font..": rebuild the font from BMPs
+    std::optional<std::string> copyGlyphCell(int column) const;
+
     // ---- helpers shared by the commands
     // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
     void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
@@ -186,6 +205,16 @@ public:
     int ListView1Selected = -1;
     int TabStrip1 = 1;
 
+    // The glyph list of the font chosen in Ftype
+    std::vector<fonts::GlyphRecord> ListView2;
+    int ListView2Selected = -1;
+    int LastGlyphIndex = -1;          // the table's last entry index (rows 0 to it)
+    double CurrentGlyphNumber = 0;
+    bool GlyphPatchInProgress = false;
+    int GlyphPatchFont = 0;           // the font the collected glyphs belong to
+    std::vector<fonts::CollectedGlyph> collectedGlyphs;
+    codec::PixelCanvas glyphGrid{codec::PixelCanvas::kGlyphColumns, codec::PixelCanvas::kGlyphRows};
+
     // What is shown
     CurrentPictureState picture;
     codec::PixelCanvas canvas;
@@ -209,6 +238,8 @@ private:
     std::string informationText(int width, int height, int bits, const std::string& compression,
                                 const std::string& length) const;
     const firmware::PictureRecord* selectedPicture() const;
+    const fonts::GlyphRecord* selectedGlyph() const;
+    std::int64_t fontAreaOffsetValue() const;
 };
 
 }  // namespace korvatek::app

@@ -78,16 +78,25 @@ DemoGlyph makeDemoGlyph(int code, int scale) {
 std::uint32_t demoGlyphRoom(const DemoGlyph& glyph) { return 5U + (glyph.width / 8U + 1U) * glyph.height; }
 
 void writeDemoFonts(Bytes& image) {
+    // The tables follow each other in font order, but the records are laid out font 1, font 2,
+    // font 0: each font's records then fill a span of their own. Font 0 comes last because its
+    // lifted entries lie 0x10000 above the others, and font 1 first because its 0xFFFFxxxx
+    // entries lie just above the area's start, below its ordinary ones.
+    std::uint32_t tables[kDemoFontCount];
     std::uint32_t table = kDemoGlyphTablesOffset;
+    for (int font = 0; font < kDemoFontCount; ++font) {
+        tables[font] = table;
+        table += 8U * static_cast<std::uint32_t>(kDemoFontEntries[static_cast<std::size_t>(font)]);
+    }
     std::uint32_t reference = kFirstReference;
     std::uint32_t ffReference = kFirstFfReference;
-    for (int font = 0; font < kDemoFontCount; ++font) {
+    for (int font : {1, 2, 0}) {
         const int entries = kDemoFontEntries[static_cast<std::size_t>(font)];
         const std::uint32_t descriptor = kFontArrayE71v42 + kFontDescriptorSize * static_cast<std::uint32_t>(font);
         for (std::uint32_t k = 0; k < kFontDescriptorSize; ++k) image[descriptor + k] = 0;
-        putU32(image, descriptor, kPhoneAddressBase + table);
+        putU32(image, descriptor, kPhoneAddressBase + tables[font]);
         image[descriptor + 4] = kDemoFontSizes[static_cast<std::size_t>(font)];
-        putU32(image, descriptor + 8, kPhoneAddressBase + table + 8U * static_cast<std::uint32_t>(entries));
+        putU32(image, descriptor + 8, kPhoneAddressBase + tables[font] + 8U * static_cast<std::uint32_t>(entries));
 
         reference = (reference + 0xFF) & ~0xFFU;  // each font starts on its own 256-byte line
         for (int i = 0; i < entries; ++i) {
@@ -98,7 +107,7 @@ void writeDemoFonts(Bytes& image) {
             const std::uint32_t own = ffForm ? ffReference : reference;
             const std::uint32_t record = kDemoFontAreaOffset + own + (lifted ? kLift : 0);
 
-            const std::uint32_t entry = table + 8U * static_cast<std::uint32_t>(i);
+            const std::uint32_t entry = tables[font] + 8U * static_cast<std::uint32_t>(i);
             putU32(image, entry, 0);
             putU32(image, entry + 4, ffForm ? 0xFFFF0000U | own : own);
 
@@ -111,7 +120,6 @@ void writeDemoFonts(Bytes& image) {
             for (std::size_t k = 0; k < glyph.bitmap.size(); ++k) image[record + 5 + k] = glyph.bitmap[k];
             (ffForm ? ffReference : reference) += slot;
         }
-        table += 8U * static_cast<std::uint32_t>(entries);
     }
 }
 

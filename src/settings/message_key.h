@@ -47,6 +47,14 @@ enum class MessageKey : int {
     MsgPatchBeyond,       // "Patch address beyond the end of the fullflash: 0x" + address
     MsgPatchSameFile,     // the patched copy would replace the fullflash itself
     MsgOpenPatchedCopy,   // "The patch matches. Open the patched copy now?"
+    MsgGlyphOutsideGrid,  // a glyph or bitmap that does not fit the 101 x 101 glyph grid
+    MsgFontTableDamaged,  // "This font's glyph table cannot be read: " + start and end
+    MsgGlyphsOutside,     // "Glyph records of this font lie outside the fullflash: " + count
+    MsgFontNoRoom,        // "... needs %1 bytes ... room for %2 bytes ..."
+    MsgGlyphsChanged,     // "Glyphs changed: " + count
+    MsgFontReference,     // a rebuilt glyph's reference the table cannot express
+    MsgNoSuchFont,        // "No such font: " + number
+    MsgNoSuchGlyph,       // "No such glyph in the list: " + code
     Count
 };
 
