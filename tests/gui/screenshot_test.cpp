@@ -34,6 +34,13 @@ private slots:
         save(m_window->grab(), "form1_pictures.png");
     }
 
+    void smallPictureEnlarged() {
+        // A 32 x 32 icon: whole-number zoom, every pixel a sharp square.
+        auto* list = m_window->findChild<QTreeView*>("ListView1");
+        list->setCurrentIndex(m_window->pictureModel().index(219, 0));
+        save(m_window->grab(), "form1_icon.png");
+    }
+
     void fontsTab() {
         auto* tabs = m_window->findChild<QTabBar*>("TabStrip1");
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
