@@ -1,6 +1,7 @@
 // Commands on fonts: fonts, glyphs, glyph, font-size, font-patch, make-font.
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 
 #include "app/byte_reader.h"
 #include "app/hex_text.h"
@@ -111,7 +112,7 @@ int runFontPatch(const Words& words) {
     if (!font) return usageError(command, "FONT must be a font number");
     // The replacements in the order given.
     struct Replacement {
-        int code = 0;  // 0 for a folder
+        std::optional<int> code;  // none for a folder
         std::string path;
     };
     std::vector<Replacement> replacements;
@@ -120,7 +121,7 @@ int runFontPatch(const Words& words) {
         if (words[w] == "-o") {
             ++w;
         } else if (words[w] == "--bmp-folder") {
-            replacements.push_back({0, args.repeated[folder++].second});
+            replacements.push_back({std::nullopt, args.repeated[folder++].second});
             ++w;
         } else if (positional++ >= 2) {
             const auto equals = words[w].find('=');
@@ -137,13 +138,18 @@ int runFontPatch(const Words& words) {
     bool allAccepted = true;
     for (const auto& r : replacements) {
         const int problemsBefore = ui.problems;
-        if (r.code == 0) {
+        if (!r.code) {
+            if (!std::filesystem::is_directory(r.path)) {
+                ws.showMessage(ws.msg(settings::MessageKey::MsgFileNotExist) + " " + r.path);
+                allAccepted = false;
+                continue;
+            }
             ui.folders.push_back(r.path);
             ws.mnuPopup2_LoadBMPfolder();
             allAccepted = allAccepted && ui.problems == problemsBefore;
             continue;
         }
-        if (!session.selectGlyph(r.code)) {
+        if (!session.selectGlyph(*r.code)) {
             allAccepted = false;
             continue;
         }
@@ -167,8 +173,12 @@ int runMakeFont(const Words& words) {
     const auto font = parseNumber(args.positional[1]);
     if (!font) return usageError(command, "FONT must be a font number");
     Session session;
-    if (const int status = openFont(session, args.positional[0], *font)) return status;
     app::Workspace& ws = session.workspace();
+    if (!std::filesystem::is_directory(args.positional[2])) {
+        ws.showMessage(ws.msg(settings::MessageKey::MsgFileNotExist) + " " + args.positional[2]);
+        return 1;
+    }
+    if (const int status = openFont(session, args.positional[0], *font)) return status;
     session.ui().folders.push_back(args.positional[2]);
     session.ui().saveFiles.push_back(*out);
     ws.mnuPopup2_MakeF();

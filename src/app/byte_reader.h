@@ -50,6 +50,12 @@ public:
 
     // Copies count bytes into out (zeros for what lies past the end).
     void read(std::uint8_t* out, std::size_t count) {
+        if (m_pos < m_data.size() && count <= m_data.size() - m_pos) {  // the usual case
+            const auto* src = m_data.data() + m_pos;
+            for (std::size_t k = 0; k < count; ++k) out[k] = src[k];
+            m_pos += count;
+            return;
+        }
         for (std::size_t i = 0; i < count; ++i) {
             if (m_pos < m_data.size()) {
                 const std::size_t available = static_cast<std::size_t>(m_data.size() - m_pos);

@@ -122,16 +122,28 @@ Result<Bytes> readFile(const std::string& path) {
 }
 
 Status writeFile(const std::string& path, ByteView bytes) {
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (f == nullptr)
-        return makeError(ErrorCode::FileUnwritable, MessageKey::MsgCannotWriteFile, path + ": " + systemErrorText(errno));
+    // Written under a temporary name beside the target and renamed into place when complete,
+    // so that a failure or a full disk never leaves a half-written file under the user's name.
+#ifdef KORVATEK_HAVE_MMAP
+    const std::string temporary = path + ".korvatek-" + std::to_string(::getpid()) + ".part";
+#else
+    const std::string temporary = path + ".korvatek.part";
+#endif
+    const auto failed = [&](int errorNumber) {
+        std::remove(temporary.c_str());
+        return makeError(ErrorCode::FileUnwritable, MessageKey::MsgCannotWriteFile,
+                         path + ": " + systemErrorText(errorNumber));
+    };
+    std::FILE* f = std::fopen(temporary.c_str(), "wb");
+    if (f == nullptr) return failed(errno);
     const bool written = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
-    const int e = errno;
+    int e = errno;
     const bool closed = std::fclose(f) == 0;
-    if (!written || !closed) {
-        std::remove(path.c_str());
-        return makeError(ErrorCode::FileUnwritable, MessageKey::MsgCannotWriteFile, path + ": " + systemErrorText(e));
-    }
+    if (!closed && written) e = errno;
+    if (!written || !closed) return failed(e);
+    std::error_code ec;
+    std::filesystem::rename(temporary, path, ec);
+    if (ec) return failed(ec.value());
     return success();
 }
 

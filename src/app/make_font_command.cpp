@@ -13,6 +13,7 @@ namespace korvatek::app {
 using settings::MessageKey;
 
 void Workspace::mnuPopup2_MakeF() {
+    ActionFailed = true;  // a font without glyph rows cannot be rebuilt
     if (!firmware || FtypeIndex < 0 || ListView2.empty()) return;
     ActionFailed = false;
     const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseOpenFolder));

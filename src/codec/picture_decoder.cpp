@@ -1,6 +1,8 @@
 #include "codec/picture_decoder.h"
 
+#include <array>
 #include <cstdint>
+#include <vector>
 
 #include "codec/picture_type.h"
 #include "codec/pixel_decode.h"
@@ -40,14 +42,49 @@ private:
     int m_y = 0;
 };
 
-Cell decodeSample(const std::uint8_t* s, int bits, int outputDepth) {
-    switch (bits) {
-        case 8: return BIT8toRGBbin(s[0]);
-        case 12: return BIT12toRGBbin(s[0], s[1]);
-        case 16: return BIT16toRGBbin(s[0], s[1]);
-        default: return BIT24toRGBbin(s, outputDepth);
+// Every 8-, 12- and 16-bit sample decoded once, so that a picture costs a table look-up per
+// pixel; the tables hold exactly what the pixel converters give.
+struct SampleTables {
+    std::array<Cell, 256> bit8;
+    std::vector<Cell> bit12 = std::vector<Cell>(65536);
+    std::vector<Cell> bit16 = std::vector<Cell>(65536);
+    SampleTables() {
+        for (int v = 0; v < 256; ++v) bit8[static_cast<std::size_t>(v)] = BIT8toRGBbin(static_cast<std::uint8_t>(v));
+        for (int w = 0; w < 65536; ++w) {
+            const auto b0 = static_cast<std::uint8_t>(w & 0xFF);
+            const auto b1 = static_cast<std::uint8_t>(w >> 8);
+            bit12[static_cast<std::size_t>(w)] = BIT12toRGBbin(b0, b1);
+            bit16[static_cast<std::size_t>(w)] = BIT16toRGBbin(b0, b1);
+        }
     }
+};
+
+const SampleTables& sampleTables() {
+    static const SampleTables tables;
+    return tables;
 }
+
+// One sample to one cell, with the table chosen once per picture.
+class SampleDecoder {
+public:
+    SampleDecoder(int bits, int outputDepth) : m_bits(bits), m_outputDepth(outputDepth) {
+        const SampleTables& t = sampleTables();
+        m_table = bits == 8 ? t.bit8.data() : bits == 12 ? t.bit12.data() : t.bit16.data();
+    }
+    Cell operator()(const std::uint8_t* s) const {
+        switch (m_bits) {
+            case 8: return m_table[s[0]];
+            case 12:
+            case 16: return m_table[static_cast<std::size_t>(s[0] | (s[1] << 8))];
+            default: return BIT24toRGBbin(s, m_outputDepth);
+        }
+    }
+
+private:
+    int m_bits;
+    int m_outputDepth;
+    const Cell* m_table;
+};
 
 Error outside(const ByteReader& in) {
     return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas, {}, in.position());
@@ -70,17 +107,19 @@ Status decodeMonochrome(ByteReader& in, const DecodeRequest& r, PixelCanvas& can
 Status decodePlain(ByteReader& in, const DecodeRequest& r, PixelCanvas& canvas) {
     const int size = sampleSize(r.bits);
     const std::int64_t samples = static_cast<std::int64_t>(r.width) * r.height;
+    const SampleDecoder decode(r.bits, r.outputDepth);
     Scan scan(canvas, r.width);
     std::uint8_t sample[4];
     for (std::int64_t i = 0; i < samples; ++i) {
         in.read(sample, static_cast<std::size_t>(size));
-        if (!scan.put(decodeSample(sample, r.bits, r.outputDepth))) return outside(in);
+        if (!scan.put(decode(sample))) return outside(in);
     }
     return success();
 }
 
 Status decodeRunLength(ByteReader& in, const DecodeRequest& r, PixelCanvas& canvas) {
     const auto size = static_cast<std::size_t>(sampleSize(r.bits));
+    const SampleDecoder decode(r.bits, r.outputDepth);
     Scan scan(canvas, r.width);
     std::uint8_t sample[4];
     while (scan.y() < r.height && !in.atEnd()) {
@@ -88,11 +127,11 @@ Status decodeRunLength(ByteReader& in, const DecodeRequest& r, PixelCanvas& canv
         if (n >= 128) {
             for (int i = 0; i < 256 - n; ++i) {
                 in.read(sample, size);
-                if (!scan.put(decodeSample(sample, r.bits, r.outputDepth))) return outside(in);
+                if (!scan.put(decode(sample))) return outside(in);
             }
         } else {
             in.read(sample, size);
-            const Cell cell = decodeSample(sample, r.bits, r.outputDepth);
+            const Cell cell = decode(sample);
             for (int i = 0; i < n; ++i)
                 if (!scan.put(cell)) return outside(in);
         }

@@ -20,6 +20,7 @@ constexpr std::uint32_t kLift = 0x10000;
 // bytes of the area, below every ordinary one.
 constexpr std::uint32_t kFirstReference = 0x10000;
 constexpr std::uint32_t kFirstFfReference = 0x100;
+constexpr std::uint32_t kFontZeroReference = 0x20000;
 
 void putU32(Bytes& image, std::uint32_t at, std::uint32_t value) {
     for (int k = 0; k < 4; ++k) image[at + static_cast<std::uint32_t>(k)] = static_cast<std::uint8_t>(value >> (8 * k));
@@ -99,6 +100,9 @@ void writeDemoFonts(Bytes& image) {
         putU32(image, descriptor + 8, kPhoneAddressBase + tables[font] + 8U * static_cast<std::uint32_t>(entries));
 
         reference = (reference + 0xFF) & ~0xFFU;  // each font starts on its own 256-byte line
+        // Font 0 starts at 0x20000, so that its lifted entries' references stay above 0x10000
+        // however its records are packed, as a rebuilt font packs them.
+        if (font == 0 && reference < kFontZeroReference) reference = kFontZeroReference;
         for (int i = 0; i < entries; ++i) {
             const DemoGlyph glyph = makeDemoGlyph(i + 1, demoFontScale(font));
             const std::uint32_t slot = roundUp4(demoGlyphRoom(glyph));

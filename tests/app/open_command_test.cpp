@@ -166,3 +166,20 @@ TEST(StartUp, temporaryFilesAreClearedFromTmp) {
 }
 
 }  // namespace korvatek::app
+
+namespace korvatek::app {
+
+TEST(SafeWrites, completeFilesOnlyAndNothingLeftBehind) {
+    const std::string folder = testing::testFolder();
+    ASSERT_TRUE(writeFile(folder + "/a.bin", std::string("first")).ok());
+    ASSERT_TRUE(writeFile(folder + "/a.bin", std::string("second")).ok());
+    EXPECT_EQ(testing::readAll(folder + "/a.bin"), bytesOf("second"));
+    const Status refused = writeFile(folder + "/missing/b.bin", std::string("x"));
+    ASSERT_FALSE(refused.ok());
+    EXPECT_EQ(refused.error().message, settings::MessageKey::MsgCannotWriteFile);
+    int entries = 0;
+    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(folder)) ++entries;
+    EXPECT_EQ(entries, 1);  // no temporary name stays beside the file
+}
+
+}  // namespace korvatek::app
