@@ -94,6 +94,7 @@ enum class CaptionKey : int {
     mnuPopup2_MakeF,
     mnuPopup2_ChangeFSize,
     mnuPopup2_CopyColumnHeader,
+    mnuPopup2_DiscardPatch,
     // About box
     AboutAuthor,
     AboutWeb,

@@ -59,7 +59,7 @@ const LanguageTexts& LanguageEN() {
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",
             "Load GPF", "Load GPFs", "Load BMP", "Load BMPs", "Save as GPF", "Save all (GPF)", "Save as BMP", "Save all (BMP)", "Save patch VKP", "Copy to Clipboard", "Discard patch",
-            "Load BMP", "Load BMPs", "Save as BMP", "Save all (BMP)", "Save patch VKP", "Compare Font..", "Change font size..", "Copy to Clipboard",
+            "Load BMP", "Load BMPs", "Save as BMP", "Save all (BMP)", "Save patch VKP", "Compare Font..", "Change font size..", "Copy to Clipboard", "Discard patch",
             "Korvatek, a picture and font editor for E71 and EL71 fullflashes", "Source and updates: see the project's home page", "Special thanks to:", "everyone who mapped the E71 and EL71 picture and font tables", "all testers & researchers",
             "Pictures", "Fonts", "Font",
             "Options", "view", "other",

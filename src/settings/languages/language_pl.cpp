@@ -59,7 +59,7 @@ const LanguageTexts& LanguagePL() {
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",
             "Wczytaj GPF", "Wczytaj GPF z folderu", "Wczytaj BMP", "Wczytaj BMP z folderu", "Zapisz jako GPF", "Zapisz wszystkie (GPF)", "Zapisz jako BMP", "Zapisz wszystkie (BMP)", "Zapisz łatkę VKP", "Kopiuj do schowka", "Odrzuć łatkę",
-            "Wczytaj BMP", "Wczytaj BMP z folderu", "Zapisz jako BMP", "Zapisz wszystkie (BMP)", "Zapisz łatkę VKP", "Porównaj czcionkę..", "Zmień rozmiar czcionki..", "Kopiuj do schowka",
+            "Wczytaj BMP", "Wczytaj BMP z folderu", "Zapisz jako BMP", "Zapisz wszystkie (BMP)", "Zapisz łatkę VKP", "Porównaj czcionkę..", "Zmień rozmiar czcionki..", "Kopiuj do schowka", "Odrzuć łatkę",
             "Korvatek, edytor obrazków i czcionek dla fullflashy E71 i EL71", "Źródła i aktualizacje: zobacz stronę domową projektu", "Szczególne podziękowania dla:", "wszystkich, którzy rozpracowali tabele obrazków i czcionek E71 i EL71", "wszystkich testerów i badaczy",
             "Obrazki", "Czcionki", "Czcionka",
             "Opcje", "widok", "inne",

@@ -59,7 +59,7 @@ const LanguageTexts& LanguagePO() {
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",
             "Carregar GPF", "Carregar GPFs", "Carregar BMP", "Carregar BMPs", "Salvar como GPF", "Salvar todos (GPF)", "Salvar como BMP", "Salvar todos (BMP)", "Salvar patch VKP", "Copiar para a área de transferência", "Descartar patch",
-            "Carregar BMP", "Carregar BMPs", "Salvar como BMP", "Salvar todos (BMP)", "Salvar patch VKP", "Comparar fonte..", "Alterar tamanho da fonte..", "Copiar para a área de transferência",
+            "Carregar BMP", "Carregar BMPs", "Salvar como BMP", "Salvar todos (BMP)", "Salvar patch VKP", "Comparar fonte..", "Alterar tamanho da fonte..", "Copiar para a área de transferência", "Descartar patch",
             "Korvatek, um editor de imagens e fontes para fullflashes de E71 e EL71", "Código-fonte e atualizações: veja a página do projeto", "Agradecimentos especiais a:", "todos que mapearam as tabelas de imagens e fontes do E71 e do EL71", "todos os testadores e pesquisadores",
             "Imagens", "Fontes", "Fonte",
             "Opções", "view", "other",

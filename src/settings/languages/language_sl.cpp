@@ -59,7 +59,7 @@ const LanguageTexts& LanguageSL() {
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
             "Načítať GPF", "Načítať GPF z priečinka", "Načítať BMP", "Načítať BMP z priečinka", "Uložiť ako GPF", "Uložiť všetko (GPF)", "Uložiť ako BMP", "Uložiť všetko (BMP)", "Uložiť patch VKP", "Kopírovať do schránky", "Zahodiť patch",
-            "Načítať BMP", "Načítať BMP z priečinka", "Uložiť ako BMP", "Uložiť všetko (BMP)", "Uložiť patch VKP", "Porovnať font..", "Zmeniť veľkosť fontu..", "Kopírovať do schránky",
+            "Načítať BMP", "Načítať BMP z priečinka", "Uložiť ako BMP", "Uložiť všetko (BMP)", "Uložiť patch VKP", "Porovnať font..", "Zmeniť veľkosť fontu..", "Kopírovať do schránky", "Zahodiť patch",
             "Korvatek, editor obrázkov a fontov pre fullflash E71 a EL71", "Zdrojové kódy a aktualizácie: pozrite domovskú stránku projektu", "Osobitné poďakovanie:", "všetkým, ktorí zmapovali tabuľky obrázkov a fontov E71 a EL71", "všetkým testerom a výskumníkom",
             "Obrázky", "Fonty", "Font",
             "Možnosti", "view", "other",

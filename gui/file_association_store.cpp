@@ -1,0 +1,30 @@
+#include "file_association_store.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+
+#include "command_line.h"
+#include "qt_text.h"
+#include "settings/freedesktop_association.h"
+
+namespace korvatek::gui {
+
+std::unique_ptr<settings::AssociationStore> makeAssociationStore() {
+#ifdef _WIN32
+    return makeRegistryAssociationStore(executablePath());
+#else
+    const auto location = [](QStandardPaths::StandardLocation which) {
+        return std::filesystem::path(toStdString(QStandardPaths::writableLocation(which)));
+    };
+    auto store = std::make_unique<settings::FreedesktopAssociationStore>(
+        location(QStandardPaths::GenericDataLocation), location(QStandardPaths::GenericConfigLocation));
+    // The desktop reads MIME types from a cache: rebuild it when the tool is there.
+    store->onPackagesChanged = [](const std::filesystem::path& mimeFolder) {
+        const QString tool = QStandardPaths::findExecutable(QStringLiteral("update-mime-database"));
+        if (!tool.isEmpty()) QProcess::startDetached(tool, {QString::fromStdString(mimeFolder.string())});
+    };
+    return store;
+#endif
+}
+
+}  // namespace korvatek::gui

@@ -1,0 +1,19 @@
+#pragma once
+// Where this desktop keeps file associations: the registry's classes of the current user on
+// Windows, the freedesktop MIME and desktop-entry files elsewhere.
+
+#include <memory>
+
+#include "settings/file_association.h"
+
+namespace korvatek::gui {
+
+std::unique_ptr<settings::AssociationStore> makeAssociationStore();
+
+#ifdef _WIN32
+// HKEY_CURRENT_USER\Software\Classes is written (no administrator rights needed); the
+// associated command is read back from HKEY_CLASSES_ROOT, the merged view the shell uses.
+std::unique_ptr<settings::AssociationStore> makeRegistryAssociationStore(const std::string& executablePath);
+#endif
+
+}  // namespace korvatek::gui

@@ -1,0 +1,325 @@
+#include "form1.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+#include "application.h"
+#include "canvas_image.h"
+#include "command_line.h"
+#include "glyph_list_model.h"
+#include "options_dialog.h"
+#include "picture_list_model.h"
+#include "preview_widget.h"
+#include "qt_text.h"
+
+namespace korvatek::gui {
+
+using settings::CaptionKey;
+
+namespace {
+
+QTreeView* makeList(const char* name, QAbstractItemModel* model, QWidget* parent) {
+    auto* list = new QTreeView(parent);
+    list->setObjectName(QLatin1String(name));
+    list->setModel(model);
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    list->setAllColumnsShowFocus(true);
+    list->setAlternatingRowColors(true);
+    list->setSelectionMode(QAbstractItemView::SingleSelection);
+    list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list->setContextMenuPolicy(Qt::CustomContextMenu);
+    list->header()->setSectionsMovable(false);
+    list->header()->setResizeContentsPrecision(64);  // every row of a column has the same form
+    list->header()->setStretchLastSection(true);
+    return list;
+}
+
+}  // namespace
+
+Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
+             std::unique_ptr<settings::AssociationStore> associations, QWidget* parent)
+    : QMainWindow(parent),
+      m_ui(this),
+      m_ws(m_ui),
+      m_settingsStore(std::move(settingsStore)),
+      m_associations(std::move(associations)),
+      m_popupPresenter([](QMenu& menu, const QPoint& at) { menu.exec(at); }) {
+    setObjectName(QStringLiteral("Form1"));
+    setWindowTitle(QString::fromLatin1(kApplicationName));
+    buildWidgets();
+    buildMenus();
+    m_ui.setProgressBar(m_progress);
+    retranslate();
+    showTab();
+    resize(1080, 740);
+}
+
+Form1::~Form1() = default;
+
+void Form1::buildWidgets() {
+    m_pictureModel = new PictureListModel(m_ws.ListView1, this);
+    m_glyphModel = new GlyphListModel(m_ws.ListView2, this);
+
+    auto* listPane = new QWidget;
+    m_tabStrip = new QTabBar(listPane);
+    m_tabStrip->setObjectName(QStringLiteral("TabStrip1"));
+    m_tabStrip->addTab(QString());
+    m_tabStrip->addTab(QString());
+    m_tabStrip->setExpanding(false);
+    m_tabStrip->setDrawBase(false);
+    m_fontSelector = new QComboBox(listPane);
+    m_fontSelector->setObjectName(QStringLiteral("Ftype"));
+    m_fontSelector->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_fontSelector->setMinimumContentsLength(10);
+    m_pictureList = makeList("ListView1", m_pictureModel, listPane);
+    m_glyphList = makeList("ListView2", m_glyphModel, listPane);
+
+    auto* listLayout = new QVBoxLayout(listPane);
+    listLayout->setContentsMargins(6, 6, 0, 0);
+    listLayout->setSpacing(4);
+    listLayout->addWidget(m_tabStrip);
+    listLayout->addWidget(m_fontSelector, 0, Qt::AlignLeft);
+    listLayout->addWidget(m_pictureList);
+    listLayout->addWidget(m_glyphList);
+
+    auto* previewPane = new QWidget;
+    m_preview = new PreviewWidget(previewPane);
+    m_info = new QLabel(previewPane);
+    m_info->setObjectName(QStringLiteral("PICinfo"));
+    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_info->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_info->setMinimumHeight(m_info->fontMetrics().lineSpacing() * 6 + 8);
+    m_info->setContentsMargins(4, 4, 4, 4);
+    auto* previewLayout = new QVBoxLayout(previewPane);
+    previewLayout->setContentsMargins(0, 6, 6, 0);
+    previewLayout->setSpacing(6);
+    previewLayout->addWidget(m_preview, 1);
+    previewLayout->addWidget(m_info);
+
+    m_splitter = new QSplitter(Qt::Horizontal, this);
+    m_splitter->setObjectName(QStringLiteral("splitter"));
+    m_splitter->addWidget(listPane);
+    m_splitter->addWidget(previewPane);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->setSizes({480, 600});
+    setCentralWidget(m_splitter);
+
+    m_progress = new QProgressBar(this);
+    m_progress->setObjectName(QStringLiteral("ProgressBar1"));
+    m_progress->setRange(0, 100);
+    m_progress->setValue(0);
+    m_progress->setTextVisible(false);
+    m_progress->setFixedWidth(220);
+    m_fileStatus = new QLabel(this);
+    m_fileStatus->setObjectName(QStringLiteral("fileStatus"));
+    statusBar()->addWidget(m_fileStatus, 1);
+    statusBar()->addPermanentWidget(m_progress);
+
+    connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
+    connect(m_fontSelector, &QComboBox::activated, this,
+            [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }, After::Glyphs); });
+    connect(m_pictureList->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) { onPictureRowChanged(current); });
+    connect(m_glyphList->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) { onGlyphRowChanged(current); });
+    connect(m_pictureList, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { showPopup(m_pictureList, m_picturePopup, at); });
+    connect(m_glyphList, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { showPopup(m_glyphList, m_glyphPopup, at); });
+}
+
+// ---- start-up and commands
+
+void Form1::startUp(const QStringList& arguments) {
+    m_ws.ProgramDir = programDirectory();
+    const std::string commandLine = commandLineText(arguments);
+    runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); }, After::Lists);
+    retranslate();
+}
+
+void Form1::runCommand(const std::function<void()>& command, After after) {
+    if (m_running) return;
+    m_running = true;
+    command();
+    m_running = false;
+    refreshFromWorkspace(after);
+}
+
+void Form1::mnu_FileExit_Click() { close(); }
+
+void Form1::mnu_Options_Click() { makeOptionsDialog()->exec(); }
+
+std::unique_ptr<OptionsDialog> Form1::makeOptionsDialog() {
+    auto dialog = std::make_unique<OptionsDialog>(m_ws, *m_settingsStore, *m_associations, executablePath(), this);
+    connect(dialog.get(), &OptionsDialog::languageApplied, this, &Form1::retranslate);
+    return dialog;
+}
+
+QString Form1::aboutText() const {
+    const settings::MessageTable& table = m_ws.messages;
+    QStringList lines;
+    for (CaptionKey key : {CaptionKey::AboutAuthor, CaptionKey::AboutWeb, CaptionKey::AboutThanks,
+                           CaptionKey::AboutNames, CaptionKey::AboutTesters})
+        lines << toQString(table.caption(key));
+    lines << toQString(table.text(settings::MessageKey::MsgCredits));
+    // English has no translator line.
+    if (const std::string& translator = table.text(settings::MessageKey::MsgTranslator); !translator.empty())
+        lines << toQString(translator);
+    return lines.join(QLatin1Char('\n'));
+}
+
+void Form1::mnu_About_Click() { m_ws.showMessage(toStdString(aboutText())); }
+
+void Form1::TabStrip1_Click(int tab) {
+    m_ws.TabStrip1_Click(tab);
+    showTab();
+}
+
+void Form1::copyToClipboard(const std::optional<std::string>& text) {
+    if (!text) return;
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setText(toQString(*text));
+}
+
+// ---- lists
+
+void Form1::onPictureRowChanged(const QModelIndex& current) {
+    if (m_syncing || !current.isValid()) return;
+    m_ws.selectPicture(current.row());
+    runCommand([this] { m_ws.ListView1_Click(); });
+}
+
+void Form1::onGlyphRowChanged(const QModelIndex& current) {
+    if (m_syncing || !current.isValid()) return;
+    m_ws.selectGlyph(current.row());
+    runCommand([this] { m_ws.ListView2_Click(); });
+}
+
+void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
+    // A list without rows has no popup.
+    if (list->model()->rowCount() == 0) return;
+    m_popupPresenter(*popup, list->viewport()->mapToGlobal(position));
+}
+
+// ---- showing the Workspace
+
+void Form1::refreshFromWorkspace(After after) {
+    if (after == After::Lists) {
+        m_pictureModel->reload();
+        fillFontSelector();
+    } else {
+        m_pictureModel->refreshCells();
+    }
+    if (after == After::Cells)
+        m_glyphModel->refreshCells();
+    else
+        m_glyphModel->reload();
+    if (after != After::Cells) resizeListColumns();
+    syncSelection(m_pictureList, m_ws.ListView1Selected);
+    syncSelection(m_glyphList, m_ws.ListView2Selected);
+    if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
+    updateCommandStates();
+    showPreview();
+    showTab();
+    m_progress->setValue(static_cast<int>(std::lround(std::clamp(m_ws.progress, 0.0, 100.0))));
+    m_fileStatus->setText(m_ws.firmware ? QStringLiteral("%1   %2   %3")
+                                              .arg(toQString(m_ws.PhoneModel), toQString(m_ws.FirmwareId),
+                                                   toQString(m_ws.FirmwarePath))
+                                        : QString());
+}
+
+void Form1::fillFontSelector() {
+    m_fontSelector->clear();
+    for (const firmware::FontSelectorEntry& entry : m_ws.Ftype) m_fontSelector->addItem(toQString(entry.caption));
+    m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
+}
+
+// The Workspace moved a selection (a batch walks the rows, opening a file clears it): the
+// list follows without running its list event again.
+void Form1::syncSelection(QTreeView* list, int row) {
+    const QModelIndex shown = list->currentIndex();
+    if ((shown.isValid() ? shown.row() : -1) == row) return;
+    m_syncing = true;
+    if (row >= 0 && row < list->model()->rowCount()) {
+        const QModelIndex target = list->model()->index(row, 0);
+        list->selectionModel()->setCurrentIndex(target, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        list->scrollTo(target);
+    } else {
+        list->selectionModel()->clear();
+    }
+    m_syncing = false;
+}
+
+void Form1::showPreview() {
+    const app::Preview& preview = m_ws.preview;
+    switch (preview.source) {
+        case app::Preview::Source::Picture:
+            m_preview->setImage(canvasImage(m_ws.canvas, preview.width, preview.height));
+            break;
+        case app::Preview::Source::Glyph:
+            m_preview->setImage(canvasImage(m_ws.glyphGrid, preview.width, preview.height));
+            break;
+        case app::Preview::Source::None:
+            m_preview->setImage({});
+            break;
+    }
+    m_info->setText(toDisplayText(m_ws.PICinfo));
+}
+
+void Form1::showTab() {
+    const bool fonts = m_ws.TabStrip1 == 2;
+    m_pictureList->setVisible(!fonts);
+    m_glyphList->setVisible(fonts);
+    m_fontSelector->setVisible(fonts);
+    if (m_tabStrip->currentIndex() != m_ws.TabStrip1 - 1) {
+        const QSignalBlocker quiet(m_tabStrip);
+        m_tabStrip->setCurrentIndex(m_ws.TabStrip1 - 1);
+    }
+}
+
+void Form1::resizeListColumns() {
+    for (QTreeView* list : {m_pictureList, m_glyphList}) {
+        const int columns = list->model()->columnCount();
+        for (int column = 0; column + 1 < columns; ++column) {
+            list->resizeColumnToContents(column);
+            list->setColumnWidth(column, list->columnWidth(column) + 6);
+        }
+        // The mark column takes what is left, and shrinks to its caption when there is no room:
+        // a stretched section never gets narrower than it was before it was stretched.
+        QHeaderView* header = list->header();
+        header->setStretchLastSection(false);
+        header->resizeSection(columns - 1, header->minimumSectionSize());
+        header->setStretchLastSection(true);
+    }
+    if (m_listPaneFitted || m_pictureModel->rowCount() == 0) return;
+    // The first filled list sets the pane's width: every column in view, no sideways scrolling.
+    int needed = 2 * m_pictureList->frameWidth() + m_pictureList->verticalScrollBar()->sizeHint().width() + 40;
+    for (int column = 0; column + 1 < m_pictureModel->columnCount(); ++column)
+        needed += m_pictureList->columnWidth(column);
+    const QMargins margins = m_splitter->widget(0)->layout()->contentsMargins();
+    needed += margins.left() + margins.right();
+    const QList<int> sizes = m_splitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    if (total > needed) m_splitter->setSizes({needed, total - needed});
+    m_listPaneFitted = true;
+}
+
+}  // namespace korvatek::gui

@@ -1,0 +1,126 @@
+#pragma once
+// Form1, the main window: the tab strip with the picture and glyph lists, the font selector,
+// the preview and its information text, the progress bar, the menu bar and the two list
+// popups. Every command runs in the Workspace; the window passes the person's gestures in and
+// shows the Workspace's state again after each command.
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "app/workspace.h"
+#include "qt_user_interface.h"
+#include "settings/file_association.h"
+#include "settings/settings_store.h"
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QSplitter;
+class QTabBar;
+class QTreeView;
+
+namespace korvatek::gui {
+
+class GlyphListModel;
+class OptionsDialog;
+class PictureListModel;
+class PreviewWidget;
+
+class Form1 : public QMainWindow {
+    Q_OBJECT
+public:
+    Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
+          std::unique_ptr<settings::AssociationStore> associations, QWidget* parent = nullptr);
+    ~Form1() override;
+
+    // The load handler: the file named by the arguments (if any), then settings and language.
+    void startUp(const QStringList& arguments);
+
+    // Commands of the window itself; every other menu item runs its Workspace command.
+    void mnu_FileExit_Click();
+    void mnu_Options_Click();
+    void mnu_About_Click();
+    void TabStrip1_Click(int tab);
+
+    // The About box's text: the credit lines of the chosen language, one per line.
+    QString aboutText() const;
+    // The options dialog, wired to this window; mnu_Options shows it modally.
+    std::unique_ptr<OptionsDialog> makeOptionsDialog();
+    // Every caption the language routines set, read again from the message table.
+    void retranslate();
+
+    // Popups appear through this; by default the menu opens at the pointer.
+    using PopupPresenter = std::function<void(QMenu& menu, const QPoint& globalPos)>;
+    void setPopupPresenter(PopupPresenter presenter) { m_popupPresenter = std::move(presenter); }
+
+    app::Workspace& workspace() { return m_ws; }
+    PictureListModel& pictureModel() { return *m_pictureModel; }
+    GlyphListModel& glyphModel() { return *m_glyphModel; }
+
+private:
+    // What a command may have changed in the lists: cells only, the glyph list's rows, or the
+    // rows of both (a file was opened).
+    enum class After { Cells, Glyphs, Lists };
+
+    void buildWidgets();
+    void buildMenus();
+    void buildPictureMenu();
+    void buildGlyphMenu();
+    QMenu* addCaptionedMenu(QWidget* parent, const char* name, settings::CaptionKey caption);
+    QAction* addCaptionedAction(QWidget* menu, const char* name, settings::CaptionKey caption);
+    QMenu* addFixedMenu(QMenu* parent, const char* name, const QString& caption);
+    QAction* addFixedAction(QMenu* menu, const char* name, const QString& caption);
+    void addTargetTypeItems(QMenu* menu, const char* prefix, void (app::Workspace::*command)(int));
+    void wire(QAction* action, std::function<void()> command, After after = After::Cells);
+    void updateCommandStates();
+    void copyToClipboard(const std::optional<std::string>& text);
+
+    void runCommand(const std::function<void()>& command, After after = After::Cells);
+    void refreshFromWorkspace(After after);
+    void fillFontSelector();
+    void syncSelection(QTreeView* list, int row);
+    void showPreview();
+    void showTab();
+    void resizeListColumns();
+    void onPictureRowChanged(const QModelIndex& current);
+    void onGlyphRowChanged(const QModelIndex& current);
+    void showPopup(QTreeView* list, QMenu* popup, const QPoint& position);
+
+    QtUserInterface m_ui;
+    app::Workspace m_ws;
+    std::unique_ptr<settings::SettingsStore> m_settingsStore;
+    std::unique_ptr<settings::AssociationStore> m_associations;
+
+    PictureListModel* m_pictureModel = nullptr;
+    GlyphListModel* m_glyphModel = nullptr;
+    QTabBar* m_tabStrip = nullptr;
+    QComboBox* m_fontSelector = nullptr;
+    QTreeView* m_pictureList = nullptr;
+    QTreeView* m_glyphList = nullptr;
+    PreviewWidget* m_preview = nullptr;
+    QLabel* m_info = nullptr;
+    QLabel* m_fileStatus = nullptr;
+    QProgressBar* m_progress = nullptr;
+    QSplitter* m_splitter = nullptr;
+    QMenu* m_picturePopup = nullptr;
+    QMenu* m_glyphPopup = nullptr;
+    QAction* m_checkPatch = nullptr;
+    QAction* m_savePicturePatch = nullptr;
+    QAction* m_discardPicturePatch = nullptr;
+    QAction* m_saveGlyphPatch = nullptr;
+    QAction* m_discardGlyphPatch = nullptr;
+
+    std::vector<std::pair<QAction*, settings::CaptionKey>> m_captioned;
+    PopupPresenter m_popupPresenter;
+    bool m_running = false;  // a command is under way
+    bool m_syncing = false;  // the window moves a list's selection itself
+    bool m_listPaneFitted = false;
+};
+
+}  // namespace korvatek::gui

@@ -1,0 +1,112 @@
+#include "qt_user_interface.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+
+#include "application.h"
+#include "qt_text.h"
+
+namespace korvatek::gui {
+
+QtUserInterface::QtUserInterface(QWidget* parent) : m_parent(parent) {}
+
+QString QtUserInterface::boxTitle(const std::string& title) {
+    return title.empty() ? QString::fromLatin1(kApplicationName) : toQString(title);
+}
+
+void QtUserInterface::showMessage(const std::string& text, const std::string& title) {
+    QMessageBox box(QMessageBox::Information, boxTitle(title), toDisplayText(text), QMessageBox::Ok, m_parent);
+    box.exec();
+}
+
+bool QtUserInterface::askOkCancel(const std::string& text) {
+    QMessageBox box(QMessageBox::Question, boxTitle({}), toDisplayText(text), QMessageBox::Ok | QMessageBox::Cancel,
+                    m_parent);
+    box.setDefaultButton(QMessageBox::Ok);
+    return box.exec() == QMessageBox::Ok;
+}
+
+QString QtUserInterface::qtNameFilters(const std::string& filter) {
+    const QStringList parts = toQString(filter).split(QLatin1Char('|'));
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString description = parts[i].trimmed();
+        // A description that already lists its patterns gets them again in Qt's form: Qt takes
+        // the patterns from the parentheses, separated by blanks only.
+        description.remove(QRegularExpression(QStringLiteral("\\s*\\([^()]*\\)\\s*$")));
+        QStringList patterns = parts[i + 1].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& pattern : patterns) pattern = pattern.trimmed();
+        patterns.removeAll(QString());
+        filters << QStringLiteral("%1 (%2)").arg(description, patterns.join(QLatin1Char(' ')));
+    }
+    return filters.join(QStringLiteral(";;"));
+}
+
+QString QtUserInterface::defaultSuffix(const std::string& filter) {
+    const QStringList parts = toQString(filter).split(QLatin1Char('|'));
+    if (parts.size() < 2) return {};
+    const QString first = parts[1].split(QLatin1Char(';')).first().trimmed();
+    const qsizetype dot = first.lastIndexOf(QLatin1Char('.'));
+    const QString suffix = dot < 0 ? QString() : first.mid(dot + 1);
+    return suffix.contains(QLatin1Char('*')) || suffix.contains(QLatin1Char('?')) ? QString() : suffix;
+}
+
+void QtUserInterface::remember(const QString& path, bool isFolder) {
+    m_lastFolder = isFolder ? path : QFileInfo(path).absolutePath();
+}
+
+std::optional<std::string> QtUserInterface::runFileDialog(const app::FileDialogRequest& request, bool save) {
+    QFileDialog dialog(m_parent, toQString(request.title), m_lastFolder);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    const QString filters = qtNameFilters(request.filter);
+    if (!filters.isEmpty()) dialog.setNameFilters(filters.split(QStringLiteral(";;")));
+    if (save) dialog.setDefaultSuffix(defaultSuffix(request.filter));
+    if (!request.fileName.empty()) dialog.selectFile(toQString(request.fileName));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    const QString chosen = QDir::toNativeSeparators(dialog.selectedFiles().first());
+    remember(chosen, false);
+    return toStdString(chosen);
+}
+
+std::optional<std::string> QtUserInterface::chooseOpenFile(const app::FileDialogRequest& request) {
+    return runFileDialog(request, false);
+}
+
+std::optional<std::string> QtUserInterface::chooseSaveFile(const app::FileDialogRequest& request) {
+    return runFileDialog(request, true);
+}
+
+std::optional<std::string> QtUserInterface::chooseFolder(const std::string& title) {
+    const QString folder = QFileDialog::getExistingDirectory(m_parent, toQString(title), m_lastFolder);
+    if (folder.isEmpty()) return std::nullopt;
+    remember(folder, true);
+    return toStdString(QDir::toNativeSeparators(folder));
+}
+
+std::optional<std::string> QtUserInterface::inputText(const std::string& prompt) {
+    bool accepted = false;
+    const QString answer =
+        QInputDialog::getText(m_parent, boxTitle({}), toDisplayText(prompt), QLineEdit::Normal, QString(), &accepted);
+    if (!accepted) return std::nullopt;
+    return toStdString(answer);
+}
+
+void QtUserInterface::setProgress(double percent) {
+    if (m_progressBar) m_progressBar->setValue(static_cast<int>(std::lround(std::clamp(percent, 0.0, 100.0))));
+    // Paint, but take no input: a command runs to its end before the next one starts.
+    if (!m_sinceRepaint.isValid() || m_sinceRepaint.elapsed() >= kRepaintIntervalMs || percent >= 100.0) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        m_sinceRepaint.restart();
+    }
+}
+
+}  // namespace korvatek::gui

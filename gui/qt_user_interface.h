@@ -1,0 +1,52 @@
+#pragma once
+// The window's side of the person-facing seam: Qt message boxes, questions, file and folder
+// dialogs and input boxes, and the progress bar, which keeps the window painted during long
+// walks.
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QProgressBar>
+#include <QString>
+
+#include "app/user_interface.h"
+
+namespace korvatek::gui {
+
+class QtUserInterface : public app::UserInterface {
+public:
+    // Repaints during a walk at most this often.
+    static constexpr qint64 kRepaintIntervalMs = 30;
+
+    explicit QtUserInterface(QWidget* parent);
+
+    void setProgressBar(QProgressBar* bar) { m_progressBar = bar; }
+
+    void showMessage(const std::string& text, const std::string& title) override;
+    bool askOkCancel(const std::string& text) override;
+    std::optional<std::string> chooseOpenFile(const app::FileDialogRequest& request) override;
+    std::optional<std::string> chooseSaveFile(const app::FileDialogRequest& request) override;
+    std::optional<std::string> chooseFolder(const std::string& title) override;
+    std::optional<std::string> inputText(const std::string& prompt) override;
+    void setProgress(double percent) override;
+
+    // "Desc (*.x)|*.x|Desc2|*.y" as Qt's "Desc (*.x);;Desc2 (*.y)": each description keeps its
+    // words and gets the pair's patterns in parentheses.
+    static QString qtNameFilters(const std::string& filter);
+    // The extension of the filter's first pattern ("*.gpf2" gives "gpf2"), empty for "*.*".
+    static QString defaultSuffix(const std::string& filter);
+    static QString boxTitle(const std::string& title);
+
+    // The folder the next dialog starts in: the one of the last file or folder chosen.
+    const QString& lastFolder() const { return m_lastFolder; }
+
+private:
+    std::optional<std::string> runFileDialog(const app::FileDialogRequest& request, bool save);
+    void remember(const QString& path, bool isFolder);
+
+    QWidget* m_parent;
+    QPointer<QProgressBar> m_progressBar;
+    QElapsedTimer m_sinceRepaint;
+    QString m_lastFolder;
+};
+
+}  // namespace korvatek::gui
