@@ -28,7 +28,7 @@ row("BM_DecodeEveryPicture", "BM_ReadPictureDataOnce", 1.5)
 print(f"{'BM_OpenAndList':28s} {runs['BM_OpenAndList']:10.2f} ms")
 PY
 rm -f "$json"
-if [ -x "$build/gui/korvatek_gui_bench" ]; then
+if [ -x "$build/bench/korvatek_gui_bench" ]; then
   echo "== window (offscreen)"
-  QT_QPA_PLATFORM=offscreen "$build/gui/korvatek_gui_bench"
+  QT_QPA_PLATFORM=offscreen "$build/bench/korvatek_gui_bench"
 fi
