@@ -23,7 +23,7 @@ std::uint32_t sizeField(int value) { return static_cast<std::uint16_t>(value); }
 
 // Padding after a 24-bit row, computed with a truncating remainder as it always was.
 int rowPadding(int width) {
-    const int rest = (width * 3) % 4;
+    const auto rest = static_cast<int>((static_cast<std::int64_t>(width) * 3) % 4);
     return rest != 0 ? 4 - rest : 0;
 }
 
@@ -55,9 +55,9 @@ Result<Bytes> encodeBmp(const PixelCanvas& canvas, int outputDepth) {
     const bool full = outputDepth != 24;
     if (width > 0 && height > 0)
         file.reserve(file.size() + static_cast<std::size_t>(height) * (width * 4 + 4));
-    for (int y = height - 1; y >= 0; --y) {
+    for (std::int64_t y = static_cast<std::int64_t>(height) - 1; y >= 0; --y) {
         for (int x = 0; x < width; ++x) {
-            const Cell& c = canvas.at(x, y);
+            const Cell& c = canvas.at(x, static_cast<int>(y));
             file.insert(file.end(), c.begin(), full ? c.end() : c.begin() + 3);
         }
         if (!full) file.insert(file.end(), static_cast<std::size_t>(rowPadding(width)), 0);
@@ -104,7 +104,12 @@ Status LoadBMP(ByteReader& in, const BmpHeader& header, PixelCanvas& canvas) {
     canvas.metaWidth = header.width;
     canvas.metaHeight = header.height;
     const int padding = header.bits == 24 ? rowPadding(header.width) : 0;
-    for (int y = header.height - 1; y >= 0; --y) {
+    if (header.width <= 0) {  // rows without pixels: only their padding is passed over
+        if (header.height > 0) in.skip(static_cast<std::uint64_t>(padding) * static_cast<std::uint64_t>(header.height));
+        return success();
+    }
+    for (std::int64_t row = static_cast<std::int64_t>(header.height) - 1; row >= 0; --row) {
+        const int y = row > canvas.rows() ? canvas.rows() : static_cast<int>(row);
         for (int x = 0; x < header.width; ++x) {
             if (!canvas.contains(x, y))
                 return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas, {}, in.position());

@@ -70,7 +70,7 @@ std::vector<LumbraPicture> parseLumbraPatch(const std::vector<std::string>& line
             if (dataLine.size() < 5) break;
             // The new part is the last (length - 11) / 2 characters, rounded half to even.
             const double half = (static_cast<double>(dataLine.size()) - 11) / 2;
-            const auto count = static_cast<std::size_t>(std::nearbyint(half));
+            const auto count = half > 0 ? static_cast<std::size_t>(std::nearbyint(half)) : std::size_t{0};
             const std::string newPart = count >= dataLine.size() ? dataLine : dataLine.substr(dataLine.size() - count);
             if (newPart == kMarker) break;
             const Bytes bytes = app::HEXtext2ASCtext(newPart, false);

@@ -21,10 +21,11 @@ bool allHex(std::string_view s) {
     return true;
 }
 
-// A hex number of up to 16 digits ("0x" allowed in front).
+// A hex number of up to 8 digits ("0x" allowed in front): addresses and offsets are 32-bit.
 std::optional<std::uint64_t> hexNumber(std::string_view s) {
     if (s.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X')) s.remove_prefix(2);
-    if (!allHex(s) || s.size() > 16) return std::nullopt;
+    while (s.size() > 8 && s.front() == '0') s.remove_prefix(1);
+    if (!allHex(s) || s.size() > 8) return std::nullopt;
     std::uint64_t v = 0;
     for (char c : s) v = v * 16 + static_cast<std::uint64_t>(std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : (std::toupper(c) - 'A' + 10));
     return v;
