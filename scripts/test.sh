@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets up what is missing, builds everything and runs every test: the ordinary build with the
-# window's tests, the same unit and command tests under AddressSanitizer and
-# UndefinedBehaviorSanitizer, and a short run of every fuzz target.
+# window's tests; every fuzz target for a few seconds (clang, AddressSanitizer and
+# UndefinedBehaviorSanitizer); and the unit and command tests again in that sanitized build.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/scripts/setup.sh"
@@ -13,16 +13,13 @@ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORVATEK_BUIL
 cmake --build "$build" -j "$jobs"
 (cd "$build" && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$jobs")
 
-echo "== sanitizer build and tests"
-asan="$root/build-asan"
-cmake -S "$root" -B "$asan" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKORVATEK_BUILD_BENCH=OFF -DKORVATEK_BUILD_GUI=OFF \
-  -DCMAKE_CXX_FLAGS="-O1 -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer" \
-  -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" >/dev/null
-cmake --build "$asan" -j "$jobs"
-(cd "$asan" && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-  ctest --output-on-failure -j "$jobs")
+echo "== fuzz targets, a short run each"
+bash "$root/scripts/fuzz.sh" "${KORVATEK_FUZZ_SECONDS:-6}"
 
-if [ -f "$root/scripts/fuzz.sh" ]; then
-  echo "== fuzz targets, a short run each"
-  bash "$root/scripts/fuzz.sh" 7
-fi
+echo "== the unit and command tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+# The fuzz build already carries both sanitizers on the whole core: the tests join it there.
+san="$root/build-fuzz"
+cmake -S "$root" -B "$san" -DKORVATEK_BUILD_TESTS=ON >/dev/null
+cmake --build "$san" -j "$jobs"
+(cd "$san" && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+  ctest --output-on-failure -j "$jobs")
