@@ -69,6 +69,23 @@ void Workspace::writeCanvasContainer(const std::string& target) {
     writeOutput(target, file);
 }
 
+void Workspace::saveCanvasAsContainer() {
+    // A replacement has fixed the target already; the tools ask for it.
+    std::string target = PresetPath;
+    if (!NoDialog) {
+        const auto chosen = askContainerTarget();
+        if (!chosen) {
+            ActionFailed = true;
+            return;
+        }
+        target = *chosen;
+    } else if (!CheckFexist(target)) {
+        deleteFile(target);
+    }
+    writeCanvasContainer(target);
+    if (!ActionFailed && !NoDialog) showSuccess();
+}
+
 void Workspace::mnu_ToolsBMPtoGPF(int targetType) {
     TargetTypeField = std::string{static_cast<char>(targetType), '\0'};
     BMPtoGPFtool();
@@ -99,19 +116,7 @@ void Workspace::BMPtoGPFtool() {
     if (!loaded) return fail(loaded.error());
     preview = Preview{Preview::Source::Picture, head.header.width, head.header.height};
 
-    std::string target = PresetPath;
-    if (!NoDialog) {
-        const auto chosen = askContainerTarget();
-        if (!chosen) {
-            ActionFailed = true;
-            return;
-        }
-        target = *chosen;
-    } else if (!CheckFexist(target)) {
-        deleteFile(target);
-    }
-    writeCanvasContainer(target);
-    if (!ActionFailed && !NoDialog) showSuccess();
+    saveCanvasAsContainer();
 }
 
 void Workspace::PNGtoGPFtool() {
@@ -134,19 +139,7 @@ void Workspace::PNGtoGPFtool() {
     if (!decoded) return fail(decoded.error());
     preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};
 
-    std::string target = PresetPath;
-    if (!NoDialog) {
-        const auto chosen = askContainerTarget();
-        if (!chosen) {
-            ActionFailed = true;
-            return;
-        }
-        target = *chosen;
-    } else if (!CheckFexist(target)) {
-        deleteFile(target);
-    }
-    writeCanvasContainer(target);
-    if (!ActionFailed && !NoDialog) showSuccess();
+    saveCanvasAsContainer();
 }
 
 void Workspace::mnu_ToolsGPFakaDAT() {

@@ -232,6 +232,8 @@ private:
     void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
     // Writes the canvas as a container of the target type: GPF2 when the name ends in "2".
     void writeCanvasContainer(const std::string& target);
+    // The end of the BMP>GPF and PNG>GPF tools: the target, then the container.
+    void saveCanvasAsContainer();
     // The save dialog of the encoding tools, with the OK/Cancel replacement question.
     std::optional<std::string> askContainerTarget();
     bool confirmReplace(const std::string& path);
