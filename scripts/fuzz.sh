@@ -135,7 +135,10 @@ for t in "${targets[@]}"; do
   printf '%-16s %12s %8s %8s %8s  %s\n' "$t" "${execs:--}" "${rate:--}" "${cov:--}" "${ft:--}" "$result"
   if [ "$status" != 0 ]; then
     grep -m 1 -E '^SUMMARY|ERROR: libFuzzer|invariant violated|runtime error' "$log" | sed 's/^/    /' || true
-    grep -m 6 -E '^ +#[0-9]+ ' "$log" | sed 's/^/    /' || true
+    # The first frames of the crash that lie outside libFuzzer, the sanitizers and libc.
+    { grep -E '^ +#[0-9]+ ' "$log" || true; } |
+      { grep -vE ' in (fuzzer::|__sanitizer|__asan|__ubsan|__pthread|raise|abort|__libc|main |_start)|libc\.so' || true; } |
+      head -n 6 | sed 's/^/    /'
     sed -n 's/.*Test unit written to /    input: /p' "$log"
     echo "    log: $log"
   fi
