@@ -73,6 +73,9 @@ void Workspace::ReplaceGlyphFromBMP() {
     ByteReader in(*file);
     const codec::BmpHeadResult head = codec::LoadBMPhead(in);
     if (head.error) return fail(*head.error);
+    // A bitmap with no rows or columns (a top-down one reads negative) cannot be a glyph.
+    if (head.header.width <= 0 || head.header.height <= 0)
+        return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid));
     GlyphShown = true;
     const Status loaded = codec::LoadBMP(in, head.header, glyphGrid);
     if (!loaded) return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid));

@@ -38,7 +38,7 @@ void Workspace::mnuPopup2_MakeF() {
         ByteReader in(*file);
         const codec::BmpHeadResult head = codec::LoadBMPhead(in);
         if (head.error) return fail(makeError(head.error->code, head.error->message, " " + path));
-        if (!codec::LoadBMP(in, head.header, glyphGrid))
+        if (head.header.width <= 0 || head.header.height <= 0 || !codec::LoadBMP(in, head.header, glyphGrid))
             return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid, " " + path));
         const fonts::GlyphTrim trim = fonts::TrimGlyphGrid(glyphGrid, head.header.width, head.header.height);
         const auto bitmap = fonts::SaveFont(glyphGrid, trim.left, trim.top, trim.w, trim.h);

@@ -159,11 +159,20 @@ TEST(FontCommands, theLastGlyphMayNotGrow) {
     EXPECT_EQ(shown.substr(0, shown.find('\r')), "Pic " + std::to_string(code));
 }
 
-TEST(FontCommands, aBitmapLargerThanTheGridIsRefused) {
+TEST(FontCommands, aBitmapLargerThanTheGridOrWithoutRowsIsRefused) {
     Fonts f;
     f.replace(65, f.bitmap("wide.bmp", 120, 10, 0, 0, 5, 5));
     EXPECT_TRUE(f.ws.ActionFailed);
     EXPECT_EQ(f.ui.messages.back().text, "This glyph does not fit the 101x101 glyph grid!");
+
+    const std::string topDown = f.bitmap("topdown.bmp", 6, 9, 1, 2, 4, 8);
+    Bytes bytes = readAll(topDown);
+    bytes[22] = 0xF7;  // height -9
+    bytes[23] = bytes[24] = bytes[25] = 0xFF;
+    ASSERT_TRUE(writeFile(topDown, bytes).ok());
+    f.replace(66, topDown);
+    EXPECT_TRUE(f.ws.ActionFailed);
+    EXPECT_NE(f.ws.ListView2[65].status, "*");
 }
 
 TEST(FontCommands, rebuildingAFontThatNoLongerFitsWritesNothing) {
