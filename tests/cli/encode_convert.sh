@@ -13,21 +13,7 @@
 #
 # usage: encode_convert.sh PATH/TO/korvatek-cli
 set -u
-if [ $# -ne 1 ] || [ ! -x "$1" ]; then echo "usage: $0 PATH/TO/korvatek-cli" >&2; exit 2; fi
-CLI=$(realpath "$1")
-HERE=$(cd "$(dirname "$0")" && pwd)
-export PYTHONPATH=$HERE  # korvatek_testlib for the Python checks below
-PY=/usr/bin/python3
-exec 2>&1
-WORK=$(mktemp -d)
-trap 'rm -rf "$WORK"' EXIT
-cd "$WORK" || exit 1
-
-passed=0 failed=0
-pass() { passed=$((passed + 1)); }
-fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
-finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
-lib() { "$PY" "$HERE/korvatek_testlib.py" "$@"; }
+source "$(dirname "$0")/common.sh" "$@"
 # Runs the CLI; sets RC and ERR (stdout in cmd.out). Status 124 (timeout) or more is a hang or a crash.
 run() {
     timeout 60 "$CLI" "$@" </dev/null >cmd.out 2>cmd.err

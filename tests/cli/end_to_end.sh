@@ -7,20 +7,7 @@
 #
 # usage: end_to_end.sh PATH/TO/korvatek-cli
 set -u
-if [ $# -ne 1 ] || [ ! -x "$1" ]; then echo "usage: $0 PATH/TO/korvatek-cli" >&2; exit 2; fi
-CLI=$(realpath "$1")
-HERE=$(cd "$(dirname "$0")" && pwd)
-export PYTHONPATH=$HERE  # korvatek_testlib for the Python checks below
-PY=/usr/bin/python3
-exec 2>&1
-WORK=$(mktemp -d)
-trap 'rm -rf "$WORK"' EXIT
-cd "$WORK" || exit 1
-
-passed=0 failed=0
-pass() { passed=$((passed + 1)); }
-fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
-finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
+source "$(dirname "$0")/common.sh" "$@"
 # Adds a checker's "N passed, M failed" and shows its FAIL lines and its summary.
 add_counts() {  # OUTPUT WHAT
     grep -E '^(FAIL|SKIP|independent)' "$1" | head -n 40 | sed "s/^/$2: /"

@@ -12,22 +12,7 @@
 #
 # usage: font_round_trip.sh PATH/TO/korvatek-cli
 set -u
-if [ $# -ne 1 ] || [ ! -x "$1" ]; then echo "usage: $0 PATH/TO/korvatek-cli" >&2; exit 2; fi
-CLI=$(realpath "$1")
-HERE=$(cd "$(dirname "$0")" && pwd)
-export PYTHONPATH=$HERE  # korvatek_testlib for the Python checks below
-PY=/usr/bin/python3
-exec 2>&1
-WORK=$(mktemp -d)
-trap 'rm -rf "$WORK"' EXIT
-cd "$WORK" || exit 1
-mkdir tmp
-export TMP=$WORK/tmp
-
-passed=0 failed=0
-pass() { passed=$((passed + 1)); }
-fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
-finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
+source "$(dirname "$0")/common.sh" "$@"
 run() {  # stdout in cmd.out, stderr in cmd.err, the status in RC
     "$CLI" "$@" >cmd.out 2>cmd.err
     RC=$?
