@@ -30,6 +30,15 @@ Error openError(const std::string& path, int errorNumber) {
 
 }  // namespace
 
+std::filesystem::path toPath(std::string_view utf8) {
+    return std::filesystem::path(std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size()));
+}
+
+std::string pathText(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
 std::string systemErrorText(int errorNumber) { return std::strerror(errorNumber); }
 
 Result<std::shared_ptr<const ReadOnlyFile>> ReadOnlyFile::open(const std::string& path) {

@@ -3,8 +3,10 @@
 // reads and writes, the existence test, and joining folder and file names.
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/bytes.h"
 #include "app/result.h"
@@ -12,6 +14,11 @@
 namespace korvatek::app {
 
 // A file opened for reading only, its bytes kept for as long as the object lives.
+// Paths are UTF-8 text everywhere inside; these two are the only conversions to and from the
+// system's own path type, so that a Cyrillic or Polish folder name survives on every platform.
+std::filesystem::path toPath(std::string_view utf8);
+std::string pathText(const std::filesystem::path& path);
+
 class ReadOnlyFile {
 public:
     static Result<std::shared_ptr<const ReadOnlyFile>> open(const std::string& path);
