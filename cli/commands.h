@@ -18,6 +18,9 @@ struct Command {
 
 const std::vector<Command>& commands();
 
+// The whole program after the program name: the arguments as UTF-8 text. Returns the exit status.
+int runCommandLine(const std::vector<std::string>& arguments);
+
 // Prints "usage: korvatek-cli <usage>" on stderr and returns 2.
 int usageError(const Command& command, const std::string& why = {});
 const Command& commandNamed(const char* name);

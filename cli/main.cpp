@@ -2,9 +2,12 @@
 // dialog answer is given as an argument.
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
+#include <vector>
 
 #include "commands.h"
+#include "settings/message_table.h"
 
 namespace korvatek::cli {
 
@@ -62,29 +65,47 @@ int usageError(const Command& command, const std::string& why) {
 
 }  // namespace korvatek::cli
 
-int main(int argc, char** argv) {
-    using namespace korvatek::cli;
-    if (argc < 2) {
+namespace korvatek::cli {
+
+int runCommandLine(const std::vector<std::string>& arguments) {
+    if (arguments.empty()) {
         printHelp(stderr);
         return 2;
     }
-    const std::string name = argv[1];
+    const std::string& name = arguments[0];
     if (name == "--help" || name == "-h" || name == "help") {
         printHelp(stdout);
         return 0;
     }
-    Words words(argv + 2, argv + argc);
+    Words words(arguments.begin() + 1, arguments.end());
     for (const Command& c : commands()) {
         if (name != c.name) continue;
         for (const auto& w : words) {
+            if (w == "--") break;
             if (w == "--help" || w == "-h") {
                 std::printf("usage: korvatek-cli %s\n%s\n", c.usage, c.summary);
                 return 0;
             }
         }
-        return c.run(words);
+        try {
+            return c.run(words);
+        } catch (const std::bad_alloc&) {
+            // Memory ran out somewhere inside the command: say so and stop cleanly. Outputs are
+            // only ever renamed into place when complete, so nothing half-written remains.
+            std::fflush(stdout);
+            std::fprintf(stderr, "%s\n",
+                         std::string(settings::LanguageEN().messages[static_cast<std::size_t>(
+                                         settings::MessageKey::MsgOutOfMemory)]).c_str());
+            return 1;
+        }
     }
     std::fprintf(stderr, "korvatek-cli: unknown command '%s'\n", name.c_str());
     printHelp(stderr);
     return 2;
+}
+
+}  // namespace korvatek::cli
+
+int main(int argc, char** argv) {
+    return korvatek::cli::runCommandLine(std::vector<std::string>(argv + 1, argv + argc));
 }

@@ -55,6 +55,13 @@ enum class MessageKey : int {
     MsgFontReference,     // a rebuilt glyph's reference the table cannot express
     MsgNoSuchFont,        // "No such font: " + number
     MsgNoSuchGlyph,       // "No such glyph in the list: " + code
+    MsgOutputIsInput,     // an output that is one of the inputs (the same file, by identity)
+    MsgOutputIsFolder,    // an output path that names a folder
+    MsgNotRegularFile,    // an input that is a pipe, a device or a socket
+    MsgFileTooLarge,      // "... larger than the limit of %1: " + path
+    MsgOutOfMemory,       // memory ran out; the action stopped
+    MsgPatchNothing,      // a patch without data lines: "nothing to apply"
+    MsgPatchConflict,     // two lines, %1 and %2, write different bytes at 0x + address
     Count
 };
 

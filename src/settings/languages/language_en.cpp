@@ -55,6 +55,13 @@ const LanguageTexts& LanguageEN() {
             "A rebuilt glyph cannot be reached from the font's table: glyph ",
             "No such font: ",
             "No such glyph in the list: ",
+            "The output must be a new file, not one of the input files: ",
+            "The output is a folder, not a file: ",
+            "This is not a regular file (a pipe, a device or a socket): ",
+            "This file is larger than the limit of %1: ",
+            "Not enough memory to finish this action!",
+            "This patch has no data lines: nothing to apply!",
+            "Two lines of the patch write different bytes to the same address: lines %1 and %2, address 0x",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

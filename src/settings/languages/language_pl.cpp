@@ -55,6 +55,13 @@ const LanguageTexts& LanguagePL() {
             "Do przebudowanego znaku nie da się odwołać z tabeli czcionki: znak ",
             "Nie ma takiej czcionki: ",
             "Nie ma takiego znaku na liście: ",
+            "Plik wyjściowy musi być nowym plikiem, a nie jednym z plików wejściowych: ",
+            "Wyjście jest folderem, a nie plikiem: ",
+            "To nie jest zwykły plik (potok, urządzenie lub gniazdo): ",
+            "Ten plik jest większy niż dopuszczalny limit %1: ",
+            "Za mało pamięci, aby dokończyć tę operację!",
+            "Łatka nie zawiera wierszy z danymi: nie ma czego zastosować!",
+            "Dwa wiersze łatki zapisują różne bajty pod tym samym adresem: wiersze %1 i %2, adres 0x",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

@@ -55,6 +55,13 @@ const LanguageTexts& LanguagePO() {
             "Um caractere reconstruído não pode ser alcançado pela tabela da fonte: caractere ",
             "Fonte inexistente: ",
             "Caractere inexistente na lista: ",
+            "A saída deve ser um arquivo novo, não um dos arquivos de entrada: ",
+            "A saída é uma pasta, não um arquivo: ",
+            "Este não é um arquivo comum (um pipe, um dispositivo ou um socket): ",
+            "Este arquivo é maior que o limite de %1: ",
+            "Memória insuficiente para concluir esta ação!",
+            "Este patch não tem linhas de dados: nada a aplicar!",
+            "Duas linhas do patch gravam bytes diferentes no mesmo endereço: linhas %1 e %2, endereço 0x",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

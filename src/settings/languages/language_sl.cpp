@@ -55,6 +55,13 @@ const LanguageTexts& LanguageSL() {
             "Na prestavaný znak sa nedá odkázať z tabuľky písma: znak ",
             "Takéto písmo neexistuje: ",
             "Takýto znak v zozname nie je: ",
+            "Výstup musí byť nový súbor, nie jeden zo vstupných súborov: ",
+            "Výstup je priečinok, nie súbor: ",
+            "Toto nie je bežný súbor (rúra, zariadenie alebo soket): ",
+            "Tento súbor je väčší ako povolený limit %1: ",
+            "Na dokončenie tejto akcie nie je dosť pamäte!",
+            "Patch neobsahuje žiadne dátové riadky: nie je čo použiť!",
+            "Dva riadky patchu zapisujú rôzne bajty na tú istú adresu: riadky %1 a %2, adresa 0x",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
