@@ -11,26 +11,39 @@ std::optional<std::string> Arguments::value(const std::string& option) const {
 Arguments parseArguments(const std::vector<std::string>& words, const std::set<std::string>& valueOptions,
                          const std::set<std::string>& flagOptions, const std::set<std::string>& repeatable) {
     Arguments args;
+    bool optionsEnded = false;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
-        if (word.size() > 1 && word[0] == '-' && !(word.size() > 1 && std::isdigit(static_cast<unsigned char>(word[1])))) {
-            if (valueOptions.count(word) || repeatable.count(word)) {
-                if (i + 1 >= words.size()) {
-                    args.error = word + " needs a value";
-                    return args;
-                }
-                if (repeatable.count(word))
-                    args.repeated.emplace_back(word, words[++i]);
-                else
-                    args.values[word] = words[++i];
-            } else if (flagOptions.count(word)) {
-                args.flags.insert(word);
-            } else {
-                args.error = "unknown option " + word;
+        const bool looksLikeOption =
+            !optionsEnded && word.size() > 1 && word[0] == '-' && !std::isdigit(static_cast<unsigned char>(word[1]));
+        if (!looksLikeOption) {
+            args.positional.push_back(word);
+            args.ordered.emplace_back(std::string(), word);
+            continue;
+        }
+        if (word == "--") {
+            optionsEnded = true;
+        } else if (valueOptions.count(word) || repeatable.count(word)) {
+            if (i + 1 >= words.size()) {
+                args.error = word + " needs a value";
                 return args;
             }
+            const std::string& value = words[++i];
+            if (value.empty()) {
+                args.error = word + " needs a value, not an empty text";
+                return args;
+            }
+            if (repeatable.count(word)) {
+                args.ordered.emplace_back(word, value);
+            } else if (!args.values.emplace(word, value).second) {
+                args.error = word + " may be given only once";
+                return args;
+            }
+        } else if (flagOptions.count(word)) {
+            args.flags.insert(word);
         } else {
-            args.positional.push_back(word);
+            args.error = "unknown option " + word;
+            return args;
         }
     }
     return args;

@@ -1,5 +1,7 @@
 #pragma once
-// A small argument reader: positional words and options, some of which take a value.
+// A small argument reader: positional words and options, some of which take a value. "--" ends
+// the options (every later word is positional, also one that starts with a dash); an option
+// that takes one value may be given once; an empty value is refused.
 
 #include <map>
 #include <optional>
@@ -13,7 +15,8 @@ struct Arguments {
     std::vector<std::string> positional;
     std::map<std::string, std::string> values;  // "-o" -> path
     std::set<std::string> flags;                // "--alpha"
-    std::vector<std::pair<std::string, std::string>> repeated;  // options that may repeat, in order
+    // Positional words (option "") and the options that may repeat, in the order given.
+    std::vector<std::pair<std::string, std::string>> ordered;
     std::string error;                          // non-empty when the words are off
 
     bool has(const std::string& flag) const { return flags.count(flag) != 0; }

@@ -9,6 +9,9 @@ namespace korvatek::cli {
 
 using Words = std::vector<std::string>;
 
+// "-o -" writes to standard output only where the output is one stream a pipe can take.
+inline constexpr const char* kNotToStandardOutput = "-o - (standard output) is for a patch or one BMP only";
+
 struct Command {
     const char* name;
     const char* usage;    // after "korvatek-cli "

@@ -21,7 +21,7 @@ int runDecode(const Words& words) {
     session.ui().saveFiles.push_back(*out);
     session.ui().alphaAnswer = args.has("--alpha");
     ws.mnu_ToolsGPFtoBMP();
-    session.printInformation();
+    session.printInformation(app::isStandardOutput(*out));
     return ws.ActionFailed ? 1 : 0;
 }
 
@@ -47,6 +47,7 @@ int runEncode(const Words& words) {
     const auto out = args.value("-o");
     const auto type = args.value("--type");
     if (!args.error.empty() || args.positional.size() != 1 || !out || !type) return usageError(command, args.error);
+    if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
     const auto target = targetType(*type);
     if (!target) return usageError(command, "--type must be 1, 8, 16 or 24");
     const std::string& in = args.positional[0];
@@ -68,6 +69,7 @@ int runConvert(const Words& words) {
     const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 1 || !out) return usageError(command, args.error);
+    if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
     const std::string& in = args.positional[0];
     Session session;
     app::Workspace& ws = session.workspace();
@@ -87,7 +89,8 @@ int runDemoFlash(const Words& words) {
     Session session;
     app::Workspace& ws = session.workspace();
     const std::string& out = args.positional[0];
-    if (!app::CheckFexist(out)) ws.announceReplaceAndDelete(out);
+    if (app::isStandardOutput(out)) return usageError(command, kNotToStandardOutput);
+    if (!ws.prepareOutput(out)) return 1;
     const Bytes image = firmware::makeDemoFlash();
     return ws.writeOutput(out, image) ? 0 : 1;
 }

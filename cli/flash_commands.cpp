@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "app/file_io.h"
 #include "arguments.h"
 #include "commands.h"
 #include "session.h"
@@ -65,7 +66,7 @@ namespace {
 
 int exportOne(Session& session, int n, const std::string& out, bool alpha) {
     app::Workspace& ws = session.workspace();
-    const bool asGpf2 = endsWith(out, ".gpf2");
+    const bool asGpf2 = endsWith(out, ".gpf2");  // "-" (standard output) is a BMP
     if (!session.selectPicture(n)) return 1;
     // Decode first, as the one-item save does for a picture not shown yet, so that a picture
     // that cannot be decoded writes no file.
@@ -85,8 +86,8 @@ int exportAll(Session& session, const std::string& dir, const std::string& forma
     app::Workspace& ws = session.workspace();
     if (ws.ListView1.empty()) return 1;
     std::error_code ec;
-    std::filesystem::create_directories(dir, ec);
-    if (!std::filesystem::is_directory(dir, ec)) {
+    std::filesystem::create_directories(app::toPath(dir), ec);
+    if (!std::filesystem::is_directory(app::toPath(dir), ec)) {
         ws.showMessage(ws.msg(settings::MessageKey::MsgCannotWriteFile) + dir);
         return 1;
     }
@@ -119,8 +120,9 @@ int runExport(const Words& words) {
     const auto n = parseNumber(args.positional[1]);
     const auto out = args.value("-o");
     if (!n) return usageError(command, "N must be a picture number or all");
-    if (!out || !(endsWith(*out, ".gpf2") || endsWith(*out, ".bmp")) || args.value("--dir") || args.value("--format"))
-        return usageError(command, "-o must name a .gpf2 or .bmp file");
+    if (!out || !(endsWith(*out, ".gpf2") || endsWith(*out, ".bmp") || app::isStandardOutput(*out)) ||
+        args.value("--dir") || args.value("--format"))
+        return usageError(command, "-o must name a .gpf2 or .bmp file, or - for a BMP on standard output");
     Session session;
     if (!session.openFlash(args.positional[0])) return 1;
     return exportOne(session, *n, *out, alpha);

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "app/byte_reader.h"
+#include "app/file_io.h"
 #include "app/hex_text.h"
 #include "arguments.h"
 #include "commands.h"
@@ -70,7 +71,7 @@ int runGlyph(const Words& words) {
     app::Workspace& ws = session.workspace();
     if (all) {
         std::error_code ec;
-        std::filesystem::create_directories(*dir, ec);
+        std::filesystem::create_directories(app::toPath(*dir), ec);
         session.ui().folders.push_back(*dir);
         ws.mnuPopup2_SaveAllBMP();
         return ws.outputFailures > 0 ? 1 : 0;
@@ -78,7 +79,7 @@ int runGlyph(const Words& words) {
     if (!session.selectGlyph(*code)) return 1;
     session.ui().saveFiles.push_back(*out);
     ws.mnuPopup2_SaveBMP();
-    session.printInformation();
+    session.printInformation(app::isStandardOutput(*out));
     return ws.ActionFailed ? 1 : 0;
 }
 
@@ -116,22 +117,23 @@ int runFontPatch(const Words& words) {
         std::string path;
     };
     std::vector<Replacement> replacements;
-    std::size_t folder = 0;
-    for (std::size_t w = 0, positional = 0; w < words.size(); ++w) {
-        if (words[w] == "-o") {
-            ++w;
-        } else if (words[w] == "--bmp-folder") {
-            replacements.push_back({std::nullopt, args.repeated[folder++].second});
-            ++w;
+    std::size_t positional = 0;
+    for (const auto& [option, word] : args.ordered) {
+        if (!option.empty()) {
+            replacements.push_back({std::nullopt, word});
         } else if (positional++ >= 2) {
-            const auto equals = words[w].find('=');
-            const auto code = equals == std::string::npos ? std::nullopt : parseNumber(words[w].substr(0, equals));
-            if (!code) return usageError(command, "cannot read replacement " + words[w]);
-            replacements.push_back({*code, words[w].substr(equals + 1)});
+            const auto equals = word.find('=');
+            const auto code = equals == std::string::npos ? std::nullopt : parseNumber(word.substr(0, equals));
+            if (!code) return usageError(command, "cannot read replacement " + word);
+            replacements.push_back({*code, word.substr(equals + 1)});
         }
     }
     if (replacements.empty()) return usageError(command, "no replacement given");
     Session session;
+    std::vector<std::string> inputs{args.positional[0]};
+    for (const auto& r : replacements)
+        if (r.code) inputs.push_back(r.path);
+    if (!session.outputAllowed(*out, inputs)) return 1;
     if (const int status = openFont(session, args.positional[0], *font)) return status;
     app::Workspace& ws = session.workspace();
     CliInterface& ui = session.ui();
@@ -139,7 +141,7 @@ int runFontPatch(const Words& words) {
     for (const auto& r : replacements) {
         const int problemsBefore = ui.problems;
         if (!r.code) {
-            if (!std::filesystem::is_directory(r.path)) {
+            if (!std::filesystem::is_directory(app::toPath(r.path))) {
                 ws.showMessage(ws.msg(settings::MessageKey::MsgFileNotExist) + " " + r.path);
                 allAccepted = false;
                 continue;
@@ -174,7 +176,7 @@ int runMakeFont(const Words& words) {
     if (!font) return usageError(command, "FONT must be a font number");
     Session session;
     app::Workspace& ws = session.workspace();
-    if (!std::filesystem::is_directory(args.positional[2])) {
+    if (!std::filesystem::is_directory(app::toPath(args.positional[2]))) {
         ws.showMessage(ws.msg(settings::MessageKey::MsgFileNotExist) + " " + args.positional[2]);
         return 1;
     }

@@ -123,26 +123,25 @@ int runPatch(const Words& words) {
     const Arguments args = parseArguments(words, {"-o"}, {}, {"--gpf-folder", "--bmp-folder"});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.empty() || !out) return usageError(command, args.error);
-    // The replacements in the order given, folder options among them.
+    // The replacements in the order given, folder options among them; the first positional
+    // word is the fullflash.
     std::vector<Replacement> replacements;
-    std::size_t folderIndex = 0;
-    for (std::size_t w = 0, positional = 0; w < words.size(); ++w) {
-        if (words[w] == "-o") {
-            ++w;
-        } else if (words[w] == "--gpf-folder" || words[w] == "--bmp-folder") {
-            const auto& [option, value] = args.repeated[folderIndex++];
-            const auto r = parseReplacement(option, value);
-            if (!r) return usageError(command, "cannot read " + option + " " + value);
-            replacements.push_back(*r);
-            ++w;
-        } else if (positional++ > 0) {
-            const auto r = parseReplacement({}, words[w]);
-            if (!r) return usageError(command, "cannot read replacement " + words[w]);
-            replacements.push_back(*r);
+    bool flashSeen = false;
+    for (const auto& [option, value] : args.ordered) {
+        if (option.empty() && !flashSeen) {
+            flashSeen = true;
+            continue;
         }
+        const auto r = parseReplacement(option, value);
+        if (!r) return usageError(command, option.empty() ? "cannot read replacement " + value : "cannot read " + option + " " + value);
+        replacements.push_back(*r);
     }
     if (replacements.empty()) return usageError(command, "no replacement given");
     Session session;
+    std::vector<std::string> inputs{args.positional[0]};
+    for (const auto& r : replacements)
+        if (r.kind != Replacement::Kind::GpfFolder && r.kind != Replacement::Kind::BmpFolder) inputs.push_back(r.path);
+    if (!session.outputAllowed(*out, inputs)) return 1;
     if (!session.openFlash(args.positional[0])) return 1;
     bool allAccepted = true;
     for (const auto& r : replacements) allAccepted = replace(session, r) && allAccepted;
@@ -159,10 +158,10 @@ int runApply(const Words& words) {
     const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 2 || !out) return usageError(command, args.error);
+    if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
     Session session;
     app::Workspace& ws = session.workspace();
-    std::error_code ec;
-    if (*out == args.positional[0] || std::filesystem::equivalent(*out, args.positional[0], ec)) {
+    if (*out == args.positional[0] || app::sameFile(*out, args.positional[0])) {
         ws.showMessage(ws.msg(MessageKey::MsgPatchSameFile));
         return 1;
     }
@@ -180,12 +179,12 @@ int runMake(const Words& words) {
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     Session session;
     app::Workspace& ws = session.workspace();
-    if (!std::filesystem::is_directory(args.positional[0])) {
+    if (!std::filesystem::is_directory(app::toPath(args.positional[0]))) {
         ws.showMessage(ws.msg(MessageKey::MsgFileNotExist) + " " + args.positional[0]);
         return 1;
     }
     std::error_code ec;
-    std::filesystem::create_directories(args.positional[1], ec);
+    std::filesystem::create_directories(app::toPath(args.positional[1]), ec);
     session.ui().folders.push_back(args.positional[0]);
     session.ui().folders.push_back(args.positional[1]);
     ws.mnu_ToolsMake();
@@ -199,7 +198,7 @@ int runLumbra(const Words& words) {
     Session session;
     app::Workspace& ws = session.workspace();
     std::error_code ec;
-    std::filesystem::create_directories(args.positional[1], ec);
+    std::filesystem::create_directories(app::toPath(args.positional[1]), ec);
     session.ui().openFiles.push_back(args.positional[0]);
     session.ui().folders.push_back(args.positional[1]);
     ws.mnu_ToolsConvertLumbrapatch();

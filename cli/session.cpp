@@ -47,12 +47,19 @@ bool Session::selectGlyph(int code) {
     return true;
 }
 
-void Session::printInformation() const {
+void Session::printInformation(bool onStandardError) const {
     if (m_workspace.PICinfo.empty()) return;
     std::string text = m_workspace.PICinfo;
     for (char& c : text)
         if (c == '\r') c = '\n';
-    std::printf("%s\n", text.c_str());
+    std::fprintf(onStandardError ? stderr : stdout, "%s\n", text.c_str());
+}
+
+bool Session::outputAllowed(const std::string& output, const std::vector<std::string>& inputs) {
+    const Status allowed = app::checkOutput(output, inputs);
+    if (allowed) return true;
+    m_workspace.showMessage(m_workspace.errorText(allowed.error()));
+    return false;
 }
 
 }  // namespace korvatek::cli

@@ -2,6 +2,7 @@
 // One run of a command: the command-line interface and the Workspace it drives.
 
 #include <string>
+#include <vector>
 
 #include "app/workspace.h"
 #include "cli_interface.h"
@@ -25,8 +26,13 @@ public:
     // Selects the glyph of code n (its "#" value); false when there is no such row.
     bool selectGlyph(int code);
 
-    // Prints the information text, one line per text line.
-    void printInformation() const;
+    // Prints the information text, one line per text line: on stdout, or on stderr when
+    // stdout carries the output file itself.
+    void printInformation(bool onStandardError = false) const;
+
+    // Refuses, before any work, an output that is a folder or one of the inputs (the fullflash
+    // and every file named as a replacement): the message on stderr, false.
+    bool outputAllowed(const std::string& output, const std::vector<std::string>& inputs);
 
 private:
     CliInterface m_ui;

@@ -7,6 +7,7 @@
 # (fuzz/make_seeds.sh), the corpus grows in build-fuzz/corpus/TARGET between runs, crash
 # inputs are kept in build-fuzz/crashes/TARGET and whole logs in build-fuzz/logs. Inputs under
 # tests/regressions/TARGET are run first. FUZZ_JOBS=N runs N targets at a time (default 1).
+# Every allocation above 256 MB counts as a crash: no input may make a reader ask for that much.
 # Exits non-zero when any target crashed.
 set -euo pipefail
 
@@ -102,7 +103,7 @@ run_one() {
   [ -d "$root/tests/regressions/$t" ] && dirs+=("$root/tests/regressions/$t")
   local status=0
   "$build/fuzz/${t}_fuzz" -max_total_time="$seconds" -print_final_stats=1 -max_len="$(max_len "$t")" \
-    -timeout=30 -rss_limit_mb=3072 -artifact_prefix="$crashes/" "${dirs[@]}" \
+    -timeout=30 -rss_limit_mb=3072 -malloc_limit_mb=256 -artifact_prefix="$crashes/" "${dirs[@]}" \
     >"$build/logs/$t.log" 2>&1 || status=$?
   echo "$status" >"$build/logs/$t.status"
 }

@@ -56,7 +56,7 @@ void Workspace::decodeContainer(ByteReader& in, int width, int height, const std
 void Workspace::LoadGPF(const std::string& path) {
     ActionFailed = false;
     lastDecodeRefused = false;
-    const auto file = readFile(path);
+    const auto file = readFile(path, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
     const auto header = containers::LoadGPFhead(in);
@@ -69,7 +69,7 @@ void Workspace::LoadGPF(const std::string& path) {
 void Workspace::LoadDAT(const std::string& path) {
     ActionFailed = false;
     lastDecodeRefused = false;
-    const auto file = readFile(path);
+    const auto file = readFile(path, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
     const containers::DatHeader header = containers::LoadDAThead(in);
@@ -93,7 +93,7 @@ void Workspace::SaveGPF() {
     } else {
         target = joinPath(OutputFolder, row->number + ".gpf2");
     }
-    if (!CheckFexist(target)) announceReplaceAndDelete(target);
+    if (!prepareOutput(target)) return;
 
     // The type field comes from the first two characters of the Type cell, as they stand.
     const std::string typeText{static_cast<char>(valHEX(row->type.substr(0, 2))), '\0'};
@@ -139,8 +139,9 @@ void Workspace::SaveBMP() {
     }
     const auto bytes = GlyphShown ? codec::encodeBmp(glyphGrid, glyphGrid.metaDepth) : codec::encodeBmp(canvas, OutputDepth);
     if (!bytes) return fail(bytes.error());
-    if (!CheckFexist(target)) announceReplaceAndDelete(target);
-    writeOutput(target, *bytes);
+    const std::vector<std::string> inputs = GPFtoBMPtool ? std::vector<std::string>{DialogFileName} : std::vector<std::string>{};
+    if (!prepareOutput(target, inputs)) return;
+    writeOutput(target, *bytes, inputs);
 }
 
 void Workspace::mnu_ToolsGPFtoBMP() {

@@ -68,7 +68,7 @@ void Workspace::ReplaceGlyphFromBMP() {
     ActionFailed = false;
     const int index = static_cast<int>(CurrentGlyphNumber) - 1;
     if (!firmware || index < 0 || index >= static_cast<int>(ListView2.size())) return;
-    const auto file = readFile(PresetPath);
+    const auto file = readFile(PresetPath, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
     const codec::BmpHeadResult head = codec::LoadBMPhead(in);

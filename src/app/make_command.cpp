@@ -57,7 +57,7 @@ void Workspace::mnu_ToolsMake() {
             path = emptyPicture;
         }
         // A container that cannot be read stops the tool before anything is written.
-        const auto file = readFile(path);
+        const auto file = readFile(path, kMaxPictureFileSize);
         if (!file) return fail(file.error());
         ByteReader in(*file);
         const auto header = containers::LoadGPFhead(in);

@@ -33,7 +33,7 @@ void Workspace::mnuPopup2_MakeF() {
     for (std::size_t i = 0; i < ListView2.size(); ++i) {
         const std::string path = joinPath(folder, ListView2[i].number + ".bmp");
         if (CheckFexist(path)) continue;
-        const auto file = readFile(path);
+        const auto file = readFile(path, kMaxPictureFileSize);
         if (!file) return fail(file.error());
         ByteReader in(*file);
         const codec::BmpHeadResult head = codec::LoadBMPhead(in);

@@ -45,7 +45,7 @@ void Workspace::mnu_FileOpen() {
 }
 
 void Workspace::openFirmware(const std::string& path) {
-    auto opened = ReadOnlyFile::open(path);
+    auto opened = ReadOnlyFile::open(path, kMaxFlashFileSize);
     if (!opened) {
         fail(opened.error());
         return;

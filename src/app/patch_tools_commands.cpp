@@ -24,7 +24,7 @@ void Workspace::mnu_ToolsConvertLumbrapatch() {
     }
     const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseSaveFolder));
     if (folder.empty()) return;
-    const auto text = readFile(source);
+    const auto text = readFile(source, kMaxPatchFileSize);
     if (!text) return fail(text.error());
 
     const auto pictures = patch::parseLumbraPatch(patch::splitLines(textOf(*text)));
@@ -40,7 +40,7 @@ void Workspace::mnu_ToolsConvertLumbrapatch() {
         Bytes file = containers::SaveGPFhead(true, picture.width, picture.height,
                                              std::string{static_cast<char>(picture.typeCode), '\0'});
         file.insert(file.end(), picture.data.begin(), picture.data.end());
-        writeOutput(joinPath(folder, name), file);
+        writeOutput(joinPath(folder, name), file, {source});
     }
     showSuccess();
 }
@@ -51,40 +51,55 @@ void Workspace::mnu_ToolsCheckPatch() {
     std::string source;
     OSdialog(ActionFailed, "V_Klay Patch File(*.vkp)|*.vkp", "VKP", source, false);
     if (ActionFailed) return;
-    const auto text = readFile(source);
-    if (!text) return fail(text.error());
+    // Read in pieces: the text is never held whole, only the edits it describes.
+    patch::VkpReader reader;
+    const Status read = readFileChunks(source, kMaxPatchFileSize, 1 << 16, [&](ByteView piece) {
+        reader.feed(std::string_view(reinterpret_cast<const char*>(piece.data()), piece.size()));
+    });
+    if (!read) return fail(read.error());
+    const patch::ParsedPatch parsed = reader.finish();
 
-    const patch::ParsedPatch parsed = patch::parseVkp(textOf(*text));
-    std::vector<std::string> problems;
+    std::string problems;
+    const auto add = [&](const std::string& line) { problems += (problems.empty() ? "" : "\r") + line; };
     for (const auto& p : parsed.malformed)
-        problems.push_back(msg(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + p.what + ")");
+        add(msg(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + p.what + ")");
+    if (parsed.malformedCount > parsed.malformed.size()) {
+        std::string more = msg(MessageKey::MsgPatchMoreLines);
+        if (const auto at = more.find("%1"); at != std::string::npos)
+            more.replace(at, 2, std::to_string(parsed.malformedCount - parsed.malformed.size()));
+        add(more);
+    }
+    for (const auto& c : parsed.conflicts) {
+        std::string text = msg(MessageKey::MsgPatchConflict);
+        if (const auto at = text.find("%1"); at != std::string::npos) text.replace(at, 2, std::to_string(c.firstLine));
+        if (const auto at = text.find("%2"); at != std::string::npos) text.replace(at, 2, std::to_string(c.secondLine));
+        add(text + hexText(c.offset));
+    }
+    if (problems.empty() && parsed.edits.empty()) add(msg(MessageKey::MsgPatchNothing));
     for (const auto& p : patch::checkAgainst(parsed.edits, firmware->bytes()))
-        problems.push_back(msg(p.kind == patch::PatchProblem::Kind::Mismatch ? MessageKey::MsgPatchMismatch
-                                                                             : MessageKey::MsgPatchBeyond) +
-                           hexText(p.offset));
+        add(msg(p.kind == patch::PatchProblem::Kind::Mismatch ? MessageKey::MsgPatchMismatch
+                                                              : MessageKey::MsgPatchBeyond) +
+            hexText(p.offset));
     if (!problems.empty()) {
-        std::string all;
-        for (const auto& p : problems) all += (all.empty() ? "" : "\r") + p;
-        showMessage(all);
+        showMessage(problems);
         ActionFailed = true;
         return;
     }
 
-    std::string target = std::filesystem::path(FirmwarePath).stem().string() + "_patched.bin";
+    std::string target = pathText(toPath(FirmwarePath).stem()) + "_patched.bin";
     OSdialog(ActionFailed, "Fullflash (*.bin)|*.bin", "BIN", target, true);
     if (ActionFailed) return;
-    std::error_code ec;
-    if (std::filesystem::equivalent(target, FirmwarePath, ec) || target == FirmwarePath) {
+    if (sameFile(target, FirmwarePath) || target == FirmwarePath) {
         showMessage(msg(MessageKey::MsgPatchSameFile));
         ActionFailed = true;
         return;
     }
-    if (!confirmReplace(target)) {
+    if (!confirmReplace(target, {source})) {
         ActionFailed = true;
         return;
     }
     const Bytes patched = patch::applyEdits(parsed.edits, firmware->bytes());
-    if (!writeOutput(target, patched)) return;
+    if (!writeOutput(target, patched, {source})) return;
     PatchedCopyPath = target;
     if (ui.askOkCancel(msg(MessageKey::MsgOpenPatchedCopy))) {
         PathGiven = true;

@@ -50,7 +50,7 @@ void Workspace::AddPictureToPatch() {
     firmware::PictureRecord& row = ListView1[static_cast<std::size_t>(ReplacePictureNumber)];
     const std::int64_t oldLength = valHEX(picture.dataLength);
 
-    const auto container = readFile(DialogFileName);
+    const auto container = readFile(DialogFileName, kMaxPictureFileSize);
     LoadGPF(DialogFileName);
     if (ActionFailed || !container) return;
     const std::int64_t newLength = valHEX(picture.dataLength);

@@ -16,6 +16,9 @@ enum class ErrorCode {
     FileMissing,        // no such file, or a name the system refuses
     FileUnreadable,     // exists but cannot be opened or read (a folder, no rights)
     FileUnwritable,     // cannot be created or written
+    NotRegularFile,     // a pipe, a device or a socket where a file was expected
+    OutputIsInput,      // an output that would replace one of the inputs
+    OutputIsFolder,     // an output name that names a folder
     BadMagic,           // not the format it claims to be
     UnsupportedFormat,  // a format the tool does not handle (bit depth, compression)
     TooLarge,           // a size above a fixed limit
@@ -31,6 +34,7 @@ struct Error {
     settings::MessageKey message;  // what the person is shown
     std::string detail;            // appended to the message (a path, a system error text)
     std::optional<std::uint64_t> offset;  // where in the input, when it helps
+    std::optional<std::uint64_t> limit;   // the limit that was exceeded, for a message that names it
 };
 
 template <class T>
@@ -59,7 +63,7 @@ inline Status success() { return Done{}; }
 
 inline Error makeError(ErrorCode code, settings::MessageKey message, std::string detail = {},
                        std::optional<std::uint64_t> offset = std::nullopt) {
-    return Error{code, message, std::move(detail), offset};
+    return Error{code, message, std::move(detail), offset, std::nullopt};
 }
 
 }  // namespace korvatek

@@ -34,22 +34,15 @@ bool fitsVersion1(int width, int height) {
 
 }  // namespace
 
-bool Workspace::confirmReplace(const std::string& path) {
-    if (CheckFexist(path)) return true;
-    if (!ui.askOkCancel(msg(MessageKey::MsgFile) + path + msg(MessageKey::MsgFileExists))) return false;
-    deleteFile(path);
-    return true;
-}
-
-std::optional<std::string> Workspace::askContainerTarget() {
+std::optional<std::string> Workspace::askContainerTarget(const std::string& source) {
     std::string target;
     bool cancelled = false;
     OSdialog(cancelled, kContainerFilter, "GPF", target, true);
-    if (cancelled || !confirmReplace(target)) return std::nullopt;
+    if (cancelled || !confirmReplace(target, {source})) return std::nullopt;
     return target;
 }
 
-void Workspace::writeCanvasContainer(const std::string& target) {
+void Workspace::writeCanvasContainer(const std::string& target, const std::string& source) {
     IsGPF2 = endsWith(target, "2");
     const int width = canvas.metaWidth;
     const int height = canvas.metaHeight;
@@ -66,23 +59,21 @@ void Workspace::writeCanvasContainer(const std::string& target) {
         file.insert(file.end(), encoded.data.begin(), encoded.data.end());
     }
     containers::padContainer(file);
-    writeOutput(target, file);
+    writeOutput(target, file, {source});
 }
 
-void Workspace::saveCanvasAsContainer() {
+void Workspace::saveCanvasAsContainer(const std::string& source) {
     // A replacement has fixed the target already; the tools ask for it.
     std::string target = PresetPath;
     if (!NoDialog) {
-        const auto chosen = askContainerTarget();
+        const auto chosen = askContainerTarget(source);
         if (!chosen) {
             ActionFailed = true;
             return;
         }
         target = *chosen;
-    } else if (!CheckFexist(target)) {
-        deleteFile(target);
     }
-    writeCanvasContainer(target);
+    writeCanvasContainer(target, source);
     if (!ActionFailed && !NoDialog) showSuccess();
 }
 
@@ -106,7 +97,7 @@ void Workspace::BMPtoGPFtool() {
         OSdialog(ActionFailed, "BitMap File (*.bmp)|*.bmp", "BMP", source, false);
         if (ActionFailed) return;
     }
-    const auto file = readFile(source);
+    const auto file = readFile(source, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
     const codec::BmpHeadResult head = codec::LoadBMPhead(in);
@@ -116,7 +107,7 @@ void Workspace::BMPtoGPFtool() {
     if (!loaded) return fail(loaded.error());
     preview = Preview{Preview::Source::Picture, head.header.width, head.header.height};
 
-    saveCanvasAsContainer();
+    saveCanvasAsContainer(source);
 }
 
 void Workspace::PNGtoGPFtool() {
@@ -128,7 +119,7 @@ void Workspace::PNGtoGPFtool() {
     } else {
         source = PresetBmpPath;
     }
-    const auto file = readFile(source);
+    const auto file = readFile(source, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
     const codec::PngHeadResult head = codec::LoadPNGhead(in);
@@ -139,7 +130,7 @@ void Workspace::PNGtoGPFtool() {
     if (!decoded) return fail(decoded.error());
     preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};
 
-    saveCanvasAsContainer();
+    saveCanvasAsContainer(source);
 }
 
 void Workspace::mnu_ToolsGPFakaDAT() {
@@ -165,12 +156,12 @@ void Workspace::mnu_ToolsGPFakaDAT() {
     std::string target = dropLast(source, IsGPF2 ? 5 : 4);
     OSdialog(ActionFailed, fromDat ? kGpf2Filter : kDatFilter, fromDat ? "GPF" : "DAT", target, true);
     if (ActionFailed) return;
-    if (!confirmReplace(target)) {
+    if (!confirmReplace(target, {source})) {
         ActionFailed = true;
         return;
     }
 
-    const auto original = readFile(source);
+    const auto original = readFile(source, kMaxPictureFileSize);
     if (!original) return fail(original.error());
     Bytes file;
     if (fromDat) {
@@ -189,7 +180,7 @@ void Workspace::mnu_ToolsGPFakaDAT() {
     } else {
         file.push_back(0);
     }
-    if (writeOutput(target, file)) showSuccess();
+    if (writeOutput(target, file, {source})) showSuccess();
 }
 
 void Workspace::mnu_ToolsGPFakaGPF2() {
@@ -211,18 +202,18 @@ void Workspace::mnu_ToolsGPFakaGPF2() {
     std::string target = dropLast(source, IsGPF2 ? 5 : 4);
     OSdialog(ActionFailed, toVersion2 ? kGpf2Filter : kGpfFilter, "GPF", target, true);
     if (ActionFailed) return;
-    if (!confirmReplace(target)) {
+    if (!confirmReplace(target, {source})) {
         ActionFailed = true;
         return;
     }
-    auto original = readFile(source);
+    auto original = readFile(source, kMaxPictureFileSize);
     if (!original) return fail(original.error());
     Bytes file = std::move(*original);
     IsGPF2 = toVersion2;
     const Bytes header = containers::SaveGPFhead(IsGPF2, picture.width, picture.height, picture.typeText);
     if (file.size() < header.size()) file.resize(header.size(), 0);
     std::copy(header.begin(), header.end(), file.begin());
-    if (writeOutput(target, file)) showSuccess();
+    if (writeOutput(target, file, {source})) showSuccess();
 }
 
 std::string Workspace::MakeEmptyGPF2() {

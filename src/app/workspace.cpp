@@ -84,18 +84,58 @@ void Workspace::showSuccess() {
     if (ShowSuccessMessage) showMessage(msg(MessageKey::MsgSuccess));
 }
 
+std::string Workspace::errorText(const Error& error) const {
+    std::string text = msg(error.message);
+    if (error.limit) {
+        if (const auto at = text.find("%1"); at != std::string::npos) text.replace(at, 2, limitText(*error.limit));
+    }
+    return text + error.detail;
+}
+
 void Workspace::fail(const Error& error) {
-    showMessage(msg(error.message) + error.detail);
+    showMessage(errorText(error));
     ActionFailed = true;
 }
 
-void Workspace::announceReplaceAndDelete(const std::string& path) {
-    showMessage(msg(MessageKey::MsgFile) + path + msg(MessageKey::MsgFileExists));
-    deleteFile(path);
+std::vector<std::string> Workspace::protectedInputs(const std::vector<std::string>& inputs) const {
+    std::vector<std::string> all = inputs;
+    if (firmware) all.push_back(firmware->path());
+    return all;
 }
 
-bool Workspace::writeOutput(const std::string& path, ByteView bytes) {
-    const Status written = writeFile(path, bytes);
+namespace {
+
+// An existing regular file that a new output will replace (a device or a pipe is written to).
+bool replacesAFile(const std::string& path) {
+    if (isStandardOutput(path) || CheckFexist(path)) return false;
+    std::error_code ec;
+    return std::filesystem::is_regular_file(toPath(path), ec);
+}
+
+}  // namespace
+
+bool Workspace::prepareOutput(const std::string& path, const std::vector<std::string>& inputs) {
+    if (const Status allowed = checkOutput(path, protectedInputs(inputs)); !allowed) {
+        ++outputFailures;
+        fail(allowed.error());
+        return false;
+    }
+    // The old file is replaced only once the new one is complete.
+    if (replacesAFile(path)) showMessage(msg(MessageKey::MsgFile) + path + msg(MessageKey::MsgFileExists));
+    return true;
+}
+
+bool Workspace::confirmReplace(const std::string& path, const std::vector<std::string>& inputs) {
+    if (const Status allowed = checkOutput(path, protectedInputs(inputs)); !allowed) {
+        fail(allowed.error());
+        return false;
+    }
+    if (!replacesAFile(path)) return true;
+    return ui.askOkCancel(msg(MessageKey::MsgFile) + path + msg(MessageKey::MsgFileExists));
+}
+
+bool Workspace::writeOutput(const std::string& path, ByteView bytes, const std::vector<std::string>& inputs) {
+    const Status written = writeFile(path, bytes, protectedInputs(inputs));
     if (!written) {
         ++outputFailures;
         fail(written.error());

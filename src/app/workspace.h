@@ -135,12 +135,20 @@ public:
     const std::string& msg(settings::MessageKey key) const { return messages.text(key); }
     void showMessage(const std::string& text, const std::string& title = {});
     void showSuccess();  // "Successfully completed", when that option is on
+    // The error's message in the interface language, with its limit and detail filled in.
+    std::string errorText(const Error& error) const;
     // Shows the error's message (with its detail) and sets ActionFailed.
     void fail(const Error& error);
-    // "File <path> already exists and will be replaced" shown, then the file deleted.
-    void announceReplaceAndDelete(const std::string& path);
-    // Writes a file the command produced; a failure is shown and sets ActionFailed.
-    bool writeOutput(const std::string& path, ByteView bytes);
+    // Checks an output before it is made: a folder, or the same file as the open fullflash or
+    // one of `inputs`, is refused (shown, ActionFailed). An existing file gets the notice "File
+    // <path> already exists and will be replaced"; it stays as it is until the new one is whole.
+    bool prepareOutput(const std::string& path, const std::vector<std::string>& inputs = {});
+    // The same check, then the OK/Cancel question about an existing file; false when refused or
+    // cancelled.
+    bool confirmReplace(const std::string& path, const std::vector<std::string>& inputs = {});
+    // Writes a file the command produced, never over the open fullflash or one of `inputs`; a
+    // failure is shown and sets ActionFailed.
+    bool writeOutput(const std::string& path, ByteView bytes, const std::vector<std::string>& inputs = {});
     void setProgress(double percent);
     void applyLanguage(int languageIndex);
 
@@ -231,12 +239,12 @@ private:
     void openFirmware(const std::string& path);
     void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
     // Writes the canvas as a container of the target type: GPF2 when the name ends in "2".
-    void writeCanvasContainer(const std::string& target);
+    void writeCanvasContainer(const std::string& target, const std::string& source);
     // The end of the BMP>GPF and PNG>GPF tools: the target, then the container.
-    void saveCanvasAsContainer();
+    void saveCanvasAsContainer(const std::string& source);
     // The save dialog of the encoding tools, with the OK/Cancel replacement question.
-    std::optional<std::string> askContainerTarget();
-    bool confirmReplace(const std::string& path);
+    std::optional<std::string> askContainerTarget(const std::string& source);
+    std::vector<std::string> protectedInputs(const std::vector<std::string>& inputs) const;
     std::string informationText(int width, int height, int bits, const std::string& compression,
                                 const std::string& length) const;
     const firmware::PictureRecord* selectedPicture() const;

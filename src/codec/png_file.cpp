@@ -121,6 +121,19 @@ void readImage(png_structp png, png_infop info, PngJob* job) {
     png_read_end(png, nullptr);
 }
 
+// Every allocation libpng could make on behalf of the file is bounded: the picture's size
+// (nothing larger than the canvas is decoded), the size of any one chunk it keeps, and the
+// number of chunks it keeps. Text, profile and other ancillary chunks are never kept nor
+// decompressed: they are skipped as they are read, whatever length they claim.
+void limitAllocations(png_structp png) {
+    png_set_user_limits(png, static_cast<png_uint_32>(kMaxPictureWidth), static_cast<png_uint_32>(kMaxPictureHeight));
+    png_set_chunk_malloc_max(png, 64u << 10);
+    png_set_chunk_cache_max(png, 16);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
+    static const png_byte kSkipped[] = "tEXt\0zTXt\0iTXt\0iCCP\0sPLT\0eXIf\0pCAL\0sCAL\0hIST\0tIME\0bKGD\0cHRM\0sRGB\0gAMA\0sBIT\0pHYs\0oFFs";
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kSkipped, static_cast<int>(sizeof kSkipped / 5));
+}
+
 bool decodeInto(PngJob* job) {
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, onError, onWarning);
     if (png == nullptr) return false;
@@ -129,7 +142,7 @@ bool decodeInto(PngJob* job) {
         png_destroy_read_struct(&png, nullptr, nullptr);
         return false;
     }
-    png_set_chunk_malloc_max(png, 8u << 20);  // no ancillary chunk may ask for more
+    limitAllocations(png);
     if (setjmp(png_jmpbuf(png))) {
         png_destroy_read_struct(&png, &info, nullptr);
         return false;

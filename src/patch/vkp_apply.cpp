@@ -1,6 +1,8 @@
 #include "patch/vkp_apply.h"
 
+#include <algorithm>
 #include <cctype>
+#include <numeric>
 
 #include "app/hex_text.h"
 
@@ -33,68 +35,126 @@ std::optional<std::uint64_t> hexNumber(std::string_view s) {
 
 }  // namespace
 
-ParsedPatch parseVkp(std::string_view text) {
-    ParsedPatch parsed;
-    std::int64_t base = 0;
-    int number = 0;
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string_view::npos) end = text.size();
-        std::string_view line = text.substr(start, end - start);
-        start = end + 1;
-        ++number;
-        if (const auto comment = line.find(';'); comment != std::string_view::npos) line = line.substr(0, comment);
-        line = trim(line);
-        if (line.empty()) {
-            if (end == text.size()) break;
-            continue;
-        }
-        if (line[0] == '+' || line[0] == '-') {
-            const auto value = hexNumber(trim(line.substr(1)));
-            if (!value) {
-                parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "base offset is not a hex number"});
-                continue;
-            }
-            base = line[0] == '+' ? static_cast<std::int64_t>(*value) : -static_cast<std::int64_t>(*value);
-            continue;
-        }
-        const auto colon = line.find(':');
-        if (colon == std::string_view::npos) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "no colon after the address"});
-            continue;
-        }
-        const auto address = hexNumber(trim(line.substr(0, colon)));
-        std::string_view rest = trim(line.substr(colon + 1));
-        const auto blank = rest.find_first_of(" \t");
-        if (!address || blank == std::string_view::npos) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "expected address: old new"});
-            continue;
-        }
-        const std::string_view oldHex = trim(rest.substr(0, blank));
-        const std::string_view newHex = trim(rest.substr(blank));
-        if (!allHex(oldHex) || !allHex(newHex) || newHex.find_first_of(" \t") != std::string_view::npos) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "bytes are not hex digits"});
-            continue;
-        }
-        if (oldHex.size() % 2 != 0 || newHex.size() % 2 != 0) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "an odd number of hex digits"});
-            continue;
-        }
-        if (oldHex.size() != newHex.size()) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "old and new bytes differ in length"});
-            continue;
-        }
-        const std::int64_t offset = static_cast<std::int64_t>(*address) + base;
-        if (offset < 0) {
-            parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, "address before the start of the fullflash"});
-            continue;
-        }
-        parsed.edits.push_back({number, static_cast<std::uint64_t>(offset), app::HEXtext2ASCtext(oldHex, false),
-                                app::HEXtext2ASCtext(newHex, false)});
-        if (end == text.size()) break;
+void VkpReader::feed(std::string_view text) {
+    if (m_atStart) {
+        // A byte-order mark may be split between pieces: wait for its three bytes.
+        static constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+        m_partial.append(text);
+        if (m_partial.size() < kByteOrderMark.size() && kByteOrderMark.substr(0, m_partial.size()) == m_partial) return;
+        m_atStart = false;
+        std::string start = std::move(m_partial);
+        m_partial.clear();
+        std::string_view rest = start;
+        if (rest.substr(0, kByteOrderMark.size()) == kByteOrderMark) rest.remove_prefix(kByteOrderMark.size());
+        feed(rest);
+        return;
     }
-    return parsed;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c != '\r' && c != '\n') continue;
+        if (c == '\n' && m_afterCarriageReturn && i == start && m_partial.empty()) {
+            // The LF of a CR LF whose CR ended the line already.
+            m_afterCarriageReturn = false;
+            start = i + 1;
+            continue;
+        }
+        if (m_partial.empty()) {
+            takeLine(text.substr(start, i - start));
+        } else {
+            m_partial.append(text.substr(start, i - start));
+            takeLine(m_partial);
+            m_partial.clear();
+        }
+        m_afterCarriageReturn = c == '\r';
+        start = i + 1;
+    }
+    if (start < text.size()) {
+        m_partial.append(text.substr(start));
+        m_afterCarriageReturn = false;
+    }
+}
+
+ParsedPatch VkpReader::finish() {
+    if (m_atStart) {
+        m_atStart = false;
+        std::string rest = std::move(m_partial);
+        m_partial.clear();
+        feed(rest);
+    }
+    if (!m_partial.empty()) takeLine(m_partial);
+    m_partial.clear();
+    m_parsed.conflicts = findConflicts(m_parsed.edits);
+    return std::move(m_parsed);
+}
+
+void VkpReader::takeLine(std::string_view line) {
+    const int number = ++m_lineNumber;
+    const auto refuse = [&](const char* what) {
+        if (m_parsed.malformed.size() < kMaxKeptMalformedLines)
+            m_parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, what});
+        ++m_parsed.malformedCount;
+    };
+    if (const auto comment = line.find(';'); comment != std::string_view::npos) line = line.substr(0, comment);
+    line = trim(line);
+    if (line.empty()) return;
+    if (line[0] == '+' || line[0] == '-') {
+        const auto value = hexNumber(trim(line.substr(1)));
+        if (!value) return refuse("base offset is not a hex number");
+        m_base = line[0] == '+' ? static_cast<std::int64_t>(*value) : -static_cast<std::int64_t>(*value);
+        return;
+    }
+    const auto colon = line.find(':');
+    if (colon == std::string_view::npos) return refuse("no colon after the address");
+    const auto address = hexNumber(trim(line.substr(0, colon)));
+    std::string_view rest = trim(line.substr(colon + 1));
+    const auto blank = rest.find_first_of(" \t");
+    if (!address || blank == std::string_view::npos) return refuse("expected address: old new");
+    const std::string_view oldHex = trim(rest.substr(0, blank));
+    const std::string_view newHex = trim(rest.substr(blank));
+    if (!allHex(oldHex) || !allHex(newHex) || newHex.find_first_of(" \t") != std::string_view::npos)
+        return refuse("bytes are not hex digits");
+    if (oldHex.size() % 2 != 0 || newHex.size() % 2 != 0) return refuse("an odd number of hex digits");
+    if (oldHex.size() != newHex.size()) return refuse("old and new bytes differ in length");
+    const std::int64_t offset = static_cast<std::int64_t>(*address) + m_base;
+    if (offset < 0) return refuse("address before the start of the fullflash");
+    m_parsed.edits.push_back({number, static_cast<std::uint64_t>(offset), app::HEXtext2ASCtext(oldHex, false),
+                              app::HEXtext2ASCtext(newHex, false)});
+}
+
+ParsedPatch parseVkp(std::string_view text) {
+    VkpReader reader;
+    reader.feed(text);
+    return reader.finish();
+}
+
+std::vector<PatchConflict> findConflicts(const std::vector<PatchEdit>& edits) {
+    // In address order, each edit is compared with the one reaching furthest so far: every
+    // earlier edit that overlaps it lies inside that one, and agrees with it or was reported.
+    std::vector<std::size_t> order(edits.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return edits[a].offset < edits[b].offset; });
+    std::vector<PatchConflict> conflicts;
+    const PatchEdit* reach = nullptr;
+    const auto endOf = [](const PatchEdit& e) { return e.offset + e.newBytes.size(); };
+    for (const std::size_t index : order) {
+        const PatchEdit& edit = edits[index];
+        if (reach != nullptr && edit.offset < endOf(*reach)) {
+            const std::uint64_t end = std::min(endOf(*reach), endOf(edit));
+            for (std::uint64_t at = edit.offset; at < end; ++at) {
+                if (reach->newBytes[at - reach->offset] != edit.newBytes[at - edit.offset]) {
+                    conflicts.push_back({std::min(reach->line, edit.line), std::max(reach->line, edit.line), at});
+                    break;
+                }
+            }
+        }
+        if (reach == nullptr || endOf(edit) > endOf(*reach)) reach = &edit;
+    }
+    std::sort(conflicts.begin(), conflicts.end(), [](const PatchConflict& a, const PatchConflict& b) {
+        return a.secondLine != b.secondLine ? a.secondLine < b.secondLine : a.firstLine < b.firstLine;
+    });
+    return conflicts;
 }
 
 std::vector<PatchProblem> checkAgainst(const std::vector<PatchEdit>& edits, ByteView image) {

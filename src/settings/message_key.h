@@ -62,6 +62,7 @@ enum class MessageKey : int {
     MsgOutOfMemory,       // memory ran out; the action stopped
     MsgPatchNothing,      // a patch without data lines: "nothing to apply"
     MsgPatchConflict,     // two lines, %1 and %2, write different bytes at 0x + address
+    MsgPatchMoreLines,    // "... and %1 more lines that are not patch text"
     Count
 };
 

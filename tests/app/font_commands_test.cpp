@@ -118,8 +118,8 @@ TEST(FontCommands, aReplacementIsTrimmedRoomCheckedCollectedAndMarked) {
     EXPECT_EQ(g.number, 65);
     EXPECT_EQ(g.header, (std::array<std::uint8_t, 5>{6, 3, 6, 1, 1}));
     EXPECT_EQ(g.bitmap, Bytes(6, 0xFF));  // three ink columns and five padding bits set
-    EXPECT_FALSE(CheckFexist(f.folder + "/Korvatek.temp"));
-    EXPECT_FALSE(CheckFexist(f.folder + "/Korvatek_2.temp"));
+    EXPECT_FALSE(CheckFexist(temporaryPath("/Korvatek.temp")));
+    EXPECT_FALSE(CheckFexist(temporaryPath("/Korvatek_2.temp")));
 
     // a second replacement of the same glyph is refused; its title is the code, signed
     f.replace(65, small);

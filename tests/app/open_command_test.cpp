@@ -146,19 +146,30 @@ TEST(StartUp, theStoredLanguageIsAppliedAfterTheCommandLineFile) {
     EXPECT_NE(ws.msg(settings::MessageKey::MsgSuccess), "Successfully completed");
 }
 
-TEST(StartUp, temporaryFilesAreClearedFromTmp) {
+TEST(StartUp, temporaryFilesLiveInAPrivateFolderInsideTmp) {
     const std::string folder = testing::testFolder();
     const char* old = std::getenv("TMP");
     const std::string saved = old ? old : "";
     setenv("TMP", folder.c_str(), 1);
-    EXPECT_EQ(temporaryPath("/Korvatek.temp"), folder + "/Korvatek.temp");
-    for (const auto& suffix : Workspace::temporaryFileSuffixes()) ASSERT_TRUE(writeFile(folder + suffix, std::string("x")).ok());
+    // Another user's file under the old shared name is neither read nor removed.
+    ASSERT_TRUE(writeFile(folder + "/temp.gpf2", std::string("theirs")).ok());
+    const std::string own = temporaryPath("/Korvatek.temp");
+    const std::string privateFolder = privateTemporaryFolder();
+    EXPECT_EQ(own, privateFolder + "/Korvatek.temp");
+    EXPECT_EQ(privateFolder.rfind(folder + "/korvatek-", 0), 0u) << privateFolder;
+    const auto permissions = std::filesystem::status(privateFolder).permissions();
+    EXPECT_EQ(permissions & std::filesystem::perms::all, std::filesystem::perms::owner_all);
+
+    for (const auto& suffix : Workspace::temporaryFileSuffixes()) ASSERT_TRUE(writeFile(temporaryPath(suffix), std::string("x")).ok());
     ScriptedInterface ui;
     Workspace ws(ui);
     settings::MemorySettingsStore store;
     ws.startUp("", store);
     for (const auto& suffix : Workspace::temporaryFileSuffixes())
-        EXPECT_FALSE(std::filesystem::exists(folder + suffix)) << suffix;
+        EXPECT_FALSE(std::filesystem::exists(temporaryPath(suffix))) << suffix;
+    EXPECT_TRUE(std::filesystem::exists(folder + "/temp.gpf2"));
+    removePrivateTemporaryFolder();
+    EXPECT_FALSE(std::filesystem::exists(privateFolder));
     if (old)
         setenv("TMP", saved.c_str(), 1);
     else

@@ -62,6 +62,7 @@ const LanguageTexts& LanguageEN() {
             "Not enough memory to finish this action!",
             "This patch has no data lines: nothing to apply!",
             "Two lines of the patch write different bytes to the same address: lines %1 and %2, address 0x",
+            "... and %1 more lines that are not patch text",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

@@ -62,6 +62,7 @@ const LanguageTexts& LanguagePL() {
             "Za mało pamięci, aby dokończyć tę operację!",
             "Łatka nie zawiera wierszy z danymi: nie ma czego zastosować!",
             "Dwa wiersze łatki zapisują różne bajty pod tym samym adresem: wiersze %1 i %2, adres 0x",
+            "... i jeszcze %1 wierszy, które nie są tekstem łatki",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

@@ -62,6 +62,7 @@ const LanguageTexts& LanguagePO() {
             "Memória insuficiente para concluir esta ação!",
             "Este patch não tem linhas de dados: nada a aplicar!",
             "Duas linhas do patch gravam bytes diferentes no mesmo endereço: linhas %1 e %2, endereço 0x",
+            "... e mais %1 linhas que não são texto de patch",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

@@ -62,6 +62,7 @@ const LanguageTexts& LanguageSL() {
             "Na dokončenie tejto akcie nie je dosť pamäte!",
             "Patch neobsahuje žiadne dátové riadky: nie je čo použiť!",
             "Dva riadky patchu zapisujú rôzne bajty na tú istú adresu: riadky %1 a %2, adresa 0x",
+            "... a ďalších %1 riadkov, ktoré nie sú textom patchu",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
