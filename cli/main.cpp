@@ -1,5 +1,6 @@
 // korvatek-cli: the window's scriptable twin. Same core, same Workspace, same bytes; every
 // dialog answer is given as an argument.
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -68,6 +69,10 @@ int usageError(const Command& command, const std::string& why) {
 namespace korvatek::cli {
 
 int runCommandLine(const std::vector<std::string>& arguments) {
+#ifdef SIGXFSZ
+    // A file-size limit then fails the write (and the output is cleaned up) instead of killing us.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
     if (arguments.empty()) {
         printHelp(stderr);
         return 2;

@@ -65,6 +65,62 @@ TEST(VkpApply, checksOldBytesAndTheEndAndAppliesToACopy) {
     EXPECT_EQ(problems[2].kind, PatchProblem::Kind::Beyond);
 }
 
+// Every kind of line end, a byte-order mark, and the text arriving in pieces of any size all
+// give the same edits with the same line numbers.
+TEST(VkpApply, lineEndsByteOrderMarkAndPiecesReadAlike) {
+    const std::string lines[] = {"; header", "", "0100: 0102 0A0B", "+10", "20: FF 00"};
+    const auto join = [&](const std::string& end) {
+        std::string text;
+        for (const auto& l : lines) text += l + end;
+        return text;
+    };
+    const ParsedPatch reference = parseVkp(join("\r\n"));
+    ASSERT_EQ(reference.edits.size(), 2u);
+    EXPECT_EQ(reference.edits[1].line, 5);
+    EXPECT_EQ(reference.edits[1].offset, 0x30u);
+    for (const std::string& text : {join("\n"), join("\r"), "\xEF\xBB\xBF" + join("\r\n"), "\xEF\xBB\xBF" + join("\r")}) {
+        for (const std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{7}, text.size()}) {
+            VkpReader reader;
+            for (std::size_t at = 0; at < text.size(); at += piece) reader.feed(std::string_view(text).substr(at, piece));
+            const ParsedPatch parsed = reader.finish();
+            EXPECT_TRUE(parsed.malformed.empty()) << piece;
+            ASSERT_EQ(parsed.edits.size(), 2u) << piece;
+            for (std::size_t i = 0; i < 2; ++i) {
+                EXPECT_EQ(parsed.edits[i].line, reference.edits[i].line) << piece;
+                EXPECT_EQ(parsed.edits[i].offset, reference.edits[i].offset) << piece;
+                EXPECT_EQ(parsed.edits[i].newBytes, reference.edits[i].newBytes) << piece;
+            }
+        }
+    }
+    EXPECT_TRUE(parseVkp("\xEF\xBB\xBF").edits.empty());
+    EXPECT_TRUE(parseVkp("\xEF\xBB\xBF; only a comment\r\n").malformed.empty());
+}
+
+TEST(VkpApply, conflictingWritesAreFoundIdenticalOnesAllowed) {
+    EXPECT_TRUE(parseVkp("10: 00 01\n10: 00 01\n").conflicts.empty());
+    EXPECT_TRUE(parseVkp("10: 0000 0102\n11: 00 02\n").conflicts.empty());  // overlap, same byte
+    const auto same = parseVkp("10: 00 01\n20: 00 00\n10: 00 02\n");
+    ASSERT_EQ(same.conflicts.size(), 1u);
+    EXPECT_EQ(same.conflicts[0].firstLine, 1);
+    EXPECT_EQ(same.conflicts[0].secondLine, 3);
+    EXPECT_EQ(same.conflicts[0].offset, 0x10u);
+    // A long line reaching over later ones: found at the first byte that differs.
+    const auto overlap = parseVkp("10: 00000000 01020304\n12: 00 03\n13: 00 05\n");
+    ASSERT_EQ(overlap.conflicts.size(), 1u);
+    EXPECT_EQ(overlap.conflicts[0].firstLine, 1);
+    EXPECT_EQ(overlap.conflicts[0].secondLine, 3);
+    EXPECT_EQ(overlap.conflicts[0].offset, 0x13u);
+}
+
+TEST(VkpApply, malformedLinesAreCountedButOnlyTheFirstKept) {
+    std::string junk;
+    for (std::size_t i = 0; i < kMaxKeptMalformedLines + 50; ++i) junk += "junk\r";
+    const auto many = parseVkp(junk);
+    EXPECT_EQ(many.malformed.size(), kMaxKeptMalformedLines);
+    EXPECT_EQ(many.malformedCount, kMaxKeptMalformedLines + 50);
+    EXPECT_EQ(many.malformed.back().line, static_cast<int>(kMaxKeptMalformedLines));
+}
+
 TEST(LumbraPatch, recordLayoutsMarkersAndPadding) {
     const std::string record12 = "01B019A0: 000000000000000000000000 F00040018500000000000000";
     ASSERT_EQ(record12.size(), 59u);
