@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "app/bytes.h"
 
@@ -50,26 +51,14 @@ public:
 
     // Copies count bytes into out (zeros for what lies past the end).
     void read(std::uint8_t* out, std::size_t count) {
-        if (m_pos < m_data.size() && count <= m_data.size() - m_pos) {  // the usual case
-            const auto* src = m_data.data() + m_pos;
-            for (std::size_t k = 0; k < count; ++k) out[k] = src[k];
-            m_pos += count;
-            return;
+        const std::size_t available = m_pos < m_data.size() ? static_cast<std::size_t>(m_data.size() - m_pos) : 0;
+        const std::size_t present = count < available ? count : available;
+        if (present > 0) std::memcpy(out, m_data.data() + m_pos, present);
+        if (present < count) {
+            std::memset(out + present, 0, count - present);
+            m_ranPastEnd = true;
         }
-        for (std::size_t i = 0; i < count; ++i) {
-            if (m_pos < m_data.size()) {
-                const std::size_t available = static_cast<std::size_t>(m_data.size() - m_pos);
-                const std::size_t n = available < count - i ? available : count - i;
-                const auto* src = m_data.data() + m_pos;
-                for (std::size_t k = 0; k < n; ++k) out[i + k] = src[k];
-                m_pos += n;
-                i += n - 1;
-            } else {
-                out[i] = 0;
-                m_ranPastEnd = true;
-                ++m_pos;
-            }
-        }
+        m_pos += count;
     }
     Bytes bytes(std::size_t count) {
         Bytes out(count);

@@ -128,7 +128,7 @@ void Workspace::ReplaceGlyphFromBMP() {
     }
     (void)writeFile(temporaryPath("/Korvatek.temp"), data);
     (void)writeFile(temporaryPath("/Korvatek_2.temp"), records);
-    ListView2[static_cast<std::size_t>(index)].status = "*";
+    ListView2[static_cast<std::size_t>(index)].status.assign(1, '*');
 }
 
 void Workspace::mnuPopup2_SavePatch() {

@@ -96,7 +96,10 @@ std::string hexText(std::uint64_t value) {
 }
 
 std::string signedText(std::int64_t value) {
-    return (value < 0 ? "" : " ") + std::to_string(value);
+    // Built by appending: GCC 12 warns wrongly about a literal + std::string temporary here.
+    std::string text(value < 0 ? 0 : 1, ' ');
+    text += std::to_string(value);
+    return text;
 }
 
 std::string zeroPadded(std::int64_t value, int digits) {

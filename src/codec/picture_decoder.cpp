@@ -1,5 +1,6 @@
 #include "codec/picture_decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -105,23 +106,23 @@ Status decodeMonochrome(ByteReader& in, const DecodeRequest& r, PixelCanvas& can
 }
 
 Status decodePlain(ByteReader& in, const DecodeRequest& r, PixelCanvas& canvas) {
-    const int size = sampleSize(r.bits);
+    std::uint8_t sample[4];
+    const std::size_t size = std::min(static_cast<std::size_t>(sampleSize(r.bits)), sizeof sample);
     const std::int64_t samples = static_cast<std::int64_t>(r.width) * r.height;
     const SampleDecoder decode(r.bits, r.outputDepth);
     Scan scan(canvas, r.width);
-    std::uint8_t sample[4];
     for (std::int64_t i = 0; i < samples; ++i) {
-        in.read(sample, static_cast<std::size_t>(size));
+        in.read(sample, size);
         if (!scan.put(decode(sample))) return outside(in);
     }
     return success();
 }
 
 Status decodeRunLength(ByteReader& in, const DecodeRequest& r, PixelCanvas& canvas) {
-    const auto size = static_cast<std::size_t>(sampleSize(r.bits));
+    std::uint8_t sample[4];
+    const std::size_t size = std::min(static_cast<std::size_t>(sampleSize(r.bits)), sizeof sample);
     const SampleDecoder decode(r.bits, r.outputDepth);
     Scan scan(canvas, r.width);
-    std::uint8_t sample[4];
     while (scan.y() < r.height && !in.atEnd()) {
         const int n = in.u8();
         if (n >= 128) {

@@ -39,8 +39,10 @@ void putSize16(Bytes& out, int value) {
 }  // namespace
 
 Bytes SaveGPFhead(bool isGPF2, int width, int height, std::string_view typeText) {
-    Bytes out = bytesOf(isGPF2 ? kGpf2Magic : kGpfMagic);
-    out.insert(out.end(), 4, 0);
+    Bytes out;
+    out.reserve(kGpfHeaderSize);
+    for (const char c : std::string_view(isGPF2 ? kGpf2Magic : kGpfMagic)) out.push_back(static_cast<std::uint8_t>(c));
+    out.resize(out.size() + 4, 0);
     if (isGPF2) {
         putSize16(out, width);
         putSize16(out, height);

@@ -30,8 +30,13 @@ std::string pictureHeader(const std::string& phoneModel) {
 std::string sectionLine(int pictureNumber) { return "; ##### Picture" + app::signedText(pictureNumber) + " #####"; }
 
 std::string patchLine(std::uint64_t offset, ByteView oldBytes, ByteView newBytes) {
-    return "0" + app::hexText(offset) + ": " + app::ASCtext2HEXtext(oldBytes, false) + " " +
-           app::ASCtext2HEXtext(newBytes, false);
+    std::string line(1, '0');
+    line += app::hexText(offset);
+    line += ": ";
+    line += app::ASCtext2HEXtext(oldBytes, false);
+    line += ' ';
+    line += app::ASCtext2HEXtext(newBytes, false);
+    return line;
 }
 
 std::string patchLines(ByteView image, std::uint64_t offset, ByteView newBytes) {

@@ -193,13 +193,15 @@ TEST_F(DemoFlashTest, GlyphRecordsLieWhereTheReaderLooksAndKeepTheirRoom) {
 
 TEST_F(DemoFlashTest, AsciiGlyphsHaveInkAndAreAllDifferent) {
     for (int scale = 1; scale <= 3; ++scale) {
-        std::set<Bytes> seen;
+        std::set<std::string> seen;
         for (int code = 0x21; code <= 0x7E; ++code) {
             const DemoGlyph g = makeDemoGlyph(code, scale);
             EXPECT_GT(g.width, 0) << code;
             EXPECT_GT(g.height, 0) << code;
-            Bytes key{g.width, g.height, g.spaceBelow};
-            key.insert(key.end(), g.bitmap.begin(), g.bitmap.end());
+            std::string key(g.bitmap.begin(), g.bitmap.end());
+            key += static_cast<char>(g.width);
+            key += static_cast<char>(g.height);
+            key += static_cast<char>(g.spaceBelow);
             EXPECT_TRUE(seen.insert(key).second) << "glyph " << code << " repeats another at scale " << scale;
         }
         const DemoGlyph space = makeDemoGlyph(0x20, scale);

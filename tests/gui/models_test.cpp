@@ -40,7 +40,7 @@ private slots:
         QCOMPARE(model.cellText(1700, 6), QStringLiteral("1B06908"));
 
         // A replacement mark changes one cell; the rows stay.
-        ws.ListView1[3].status = "*";
+        ws.ListView1[3].status.assign(1, '*');
         model.refreshCells();
         QCOMPARE(model.data(model.index(3, 7)).toString(), QStringLiteral("*"));
     }
