@@ -1,5 +1,7 @@
 #include "form1.h"
 
+#include <new>
+
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -15,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <new>
 
 #include "application.h"
 #include "canvas_image.h"
@@ -157,7 +160,14 @@ void Form1::startUp(const QStringList& arguments) {
 void Form1::runCommand(const std::function<void()>& command, After after) {
     if (m_running) return;
     m_running = true;
-    command();
+    try {
+        command();
+    } catch (const std::bad_alloc&) {
+        // Memory ran out inside the command: it stops with a message and the window goes on.
+        // Outputs are renamed into place only when whole, so nothing half-written is left.
+        m_ws.ActionFailed = true;
+        m_ws.showMessage(m_ws.msg(settings::MessageKey::MsgOutOfMemory));
+    }
     m_running = false;
     refreshFromWorkspace(after);
 }

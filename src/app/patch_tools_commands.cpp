@@ -24,10 +24,12 @@ void Workspace::mnu_ToolsConvertLumbrapatch() {
     }
     const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseSaveFolder));
     if (folder.empty()) return;
-    const auto text = readFile(source, kMaxPatchFileSize);
-    if (!text) return fail(text.error());
-
-    const auto pictures = patch::parseLumbraPatch(patch::splitLines(textOf(*text)));
+    patch::LumbraReader reader;
+    const Status read = readFileChunks(source, kMaxPatchFileSize, 1 << 16, [&](ByteView piece) {
+        reader.feed(std::string_view(reinterpret_cast<const char*>(piece.data()), piece.size()));
+    });
+    if (!read) return fail(read.error());
+    const auto pictures = reader.finish();
     for (const auto& picture : pictures) {
         const std::string name = zeroPadded(picture.number, 4) + ".gpf2";
         // The existence test and the deletion use the bare name, as they always have; the

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/hex_text.h"
+#include "patch/line_splitter.h"
 
 namespace korvatek::patch {
 
@@ -27,59 +28,75 @@ const std::string kMarker = [] {
 
 std::vector<std::string> splitLines(std::string_view text) {
     std::vector<std::string> lines;
-    std::string current;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\r' || c == '\n') {
-            lines.push_back(current);
-            current.clear();
-            if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
-        } else {
-            current.push_back(c);
-        }
-    }
-    if (!current.empty()) lines.push_back(current);
+    LineSplitter splitter;
+    const auto take = [&](std::string_view line) { lines.emplace_back(line); };
+    splitter.feed(text, take);
+    splitter.finish(take);
     return lines;
 }
 
-std::vector<LumbraPicture> parseLumbraPatch(const std::vector<std::string>& lines) {
-    std::vector<LumbraPicture> pictures;
-    std::size_t i = 0;
-    while (i < lines.size()) {
-        const std::string& line = lines[i++];
-        if (line.compare(0, kLumbraSectionStart.size(), kLumbraSectionStart) != 0) continue;
-        LumbraPicture picture;
-        // Up to four characters after the heading, ended by a blank.
-        std::string digits = mid(line, 17, 4);
-        if (const auto blank = digits.find(' '); blank != std::string::npos) digits.resize(blank);
-        picture.number = static_cast<int>(app::valDecimal(digits));
-
-        const std::string record = i < lines.size() ? lines[i++] : std::string();
-        if (record.size() == 43) {  // 8-byte records: one byte each for width and height
-            picture.width = hexByte(record, 28);
-            picture.height = hexByte(record, 30);
-            picture.typeCode = hexByte(record, 32);
-        } else {                    // 12-byte records: two bytes each, low byte first
-            picture.width = hexByte(record, 36) | (hexByte(record, 38) << 8);
-            picture.height = hexByte(record, 40) | (hexByte(record, 42) << 8);
-            picture.typeCode = hexByte(record, 44);
+void LumbraReader::takeLine(std::string_view view) {
+    const std::string line(view);
+    switch (m_expect) {
+        case Expect::Section: {
+            if (line.compare(0, kLumbraSectionStart.size(), kLumbraSectionStart) != 0) return;
+            m_picture = LumbraPicture{};
+            // Up to four characters after the heading, ended by a blank.
+            std::string digits = mid(line, 17, 4);
+            if (const auto blank = digits.find(' '); blank != std::string::npos) digits.resize(blank);
+            m_picture.number = static_cast<int>(app::valDecimal(digits));
+            m_expect = Expect::Record;
+            return;
         }
-        ++i;  // the empty line
-        while (i < lines.size()) {
-            const std::string& dataLine = lines[i++];
-            if (dataLine.size() < 5) break;
+        case Expect::Record:
+            if (line.size() == 43) {  // 8-byte records: one byte each for width and height
+                m_picture.width = hexByte(line, 28);
+                m_picture.height = hexByte(line, 30);
+                m_picture.typeCode = hexByte(line, 32);
+            } else {                  // 12-byte records: two bytes each, low byte first
+                m_picture.width = hexByte(line, 36) | (hexByte(line, 38) << 8);
+                m_picture.height = hexByte(line, 40) | (hexByte(line, 42) << 8);
+                m_picture.typeCode = hexByte(line, 44);
+            }
+            m_expect = Expect::Blank;
+            return;
+        case Expect::Blank:  // the empty line, whatever it holds
+            m_expect = Expect::Data;
+            return;
+        case Expect::Data: {
             // The new part is the last (length - 11) / 2 characters, rounded half to even.
-            const double half = (static_cast<double>(dataLine.size()) - 11) / 2;
+            const double half = (static_cast<double>(line.size()) - 11) / 2;
             const auto count = half > 0 ? static_cast<std::size_t>(std::nearbyint(half)) : std::size_t{0};
-            const std::string newPart = count >= dataLine.size() ? dataLine : dataLine.substr(dataLine.size() - count);
-            if (newPart == kMarker) break;
+            const std::string newPart = count >= line.size() ? line : line.substr(line.size() - count);
+            if (line.size() < 5 || newPart == kMarker) {
+                m_pictures.push_back(std::move(m_picture));
+                m_expect = Expect::Section;
+                return;
+            }
             const Bytes bytes = app::HEXtext2ASCtext(newPart, false);
-            picture.data.insert(picture.data.end(), bytes.begin(), bytes.end());
-            if (!bytes.empty() && bytes.size() < 16) picture.data.insert(picture.data.end(), 16 - bytes.size(), 0);
+            m_picture.data.insert(m_picture.data.end(), bytes.begin(), bytes.end());
+            if (!bytes.empty() && bytes.size() < 16) m_picture.data.insert(m_picture.data.end(), 16 - bytes.size(), 0);
+            return;
         }
-        pictures.push_back(std::move(picture));
     }
-    return pictures;
+}
+
+void LumbraReader::feed(std::string_view text) {
+    m_lines.feed(text, [this](std::string_view line) { takeLine(line); });
+}
+
+std::vector<LumbraPicture> LumbraReader::finish() {
+    m_lines.finish([this](std::string_view line) { takeLine(line); });
+    // A section cut short by the end of the text still counts, with what it has.
+    if (m_expect != Expect::Section) m_pictures.push_back(std::move(m_picture));
+    m_expect = Expect::Section;
+    return std::move(m_pictures);
+}
+
+std::vector<LumbraPicture> parseLumbraPatch(const std::vector<std::string>& lines) {
+    LumbraReader reader;
+    for (const std::string& line : lines) reader.takeLine(line);
+    return reader.finish();
 }
 
 }  // namespace korvatek::patch

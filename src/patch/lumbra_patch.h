@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/bytes.h"
+#include "patch/line_splitter.h"
 
 namespace korvatek::patch {
 
@@ -22,6 +23,20 @@ struct LumbraPicture {
 
 // The patch's lines, split at CR LF, CR or LF.
 std::vector<std::string> splitLines(std::string_view text);
+
+// Reads the patch line by line, so that its text need not be held whole.
+class LumbraReader {
+public:
+    void feed(std::string_view text);  // text in pieces of any size
+    void takeLine(std::string_view line);
+    std::vector<LumbraPicture> finish();
+
+private:
+    enum class Expect { Section, Record, Blank, Data } m_expect = Expect::Section;
+    std::vector<LumbraPicture> m_pictures;
+    LumbraPicture m_picture;
+    LineSplitter m_lines;
+};
 
 std::vector<LumbraPicture> parseLumbraPatch(const std::vector<std::string>& lines);
 

@@ -35,55 +35,31 @@ std::optional<std::uint64_t> hexNumber(std::string_view s) {
 
 }  // namespace
 
+namespace {
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+}  // namespace
+
 void VkpReader::feed(std::string_view text) {
-    if (m_atStart) {
-        // A byte-order mark may be split between pieces: wait for its three bytes.
-        static constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-        m_partial.append(text);
-        if (m_partial.size() < kByteOrderMark.size() && kByteOrderMark.substr(0, m_partial.size()) == m_partial) return;
-        m_atStart = false;
-        std::string start = std::move(m_partial);
-        m_partial.clear();
-        std::string_view rest = start;
-        if (rest.substr(0, kByteOrderMark.size()) == kByteOrderMark) rest.remove_prefix(kByteOrderMark.size());
-        feed(rest);
-        return;
-    }
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c != '\r' && c != '\n') continue;
-        if (c == '\n' && m_afterCarriageReturn && i == start && m_partial.empty()) {
-            // The LF of a CR LF whose CR ended the line already.
-            m_afterCarriageReturn = false;
-            start = i + 1;
-            continue;
-        }
-        if (m_partial.empty()) {
-            takeLine(text.substr(start, i - start));
-        } else {
-            m_partial.append(text.substr(start, i - start));
-            takeLine(m_partial);
-            m_partial.clear();
-        }
-        m_afterCarriageReturn = c == '\r';
-        start = i + 1;
-    }
-    if (start < text.size()) {
-        m_partial.append(text.substr(start));
-        m_afterCarriageReturn = false;
-    }
+    const auto take = [this](std::string_view line) { takeLine(line); };
+    if (!m_atStart) return m_lines.feed(text, take);
+    // A byte-order mark may be split between pieces: wait for its three bytes.
+    m_start.append(text);
+    if (m_start.size() < kByteOrderMark.size() && kByteOrderMark.substr(0, m_start.size()) == m_start) return;
+    m_atStart = false;
+    std::string_view rest = m_start;
+    if (rest.substr(0, kByteOrderMark.size()) == kByteOrderMark) rest.remove_prefix(kByteOrderMark.size());
+    m_lines.feed(rest, take);
+    m_start.clear();
 }
 
 ParsedPatch VkpReader::finish() {
-    if (m_atStart) {
+    const auto take = [this](std::string_view line) { takeLine(line); };
+    if (m_atStart) {  // shorter than a byte-order mark: a part of one is nothing
         m_atStart = false;
-        std::string rest = std::move(m_partial);
-        m_partial.clear();
-        feed(rest);
+        if (kByteOrderMark.substr(0, m_start.size()) != m_start) m_lines.feed(m_start, take);
+        m_start.clear();
     }
-    if (!m_partial.empty()) takeLine(m_partial);
-    m_partial.clear();
+    m_lines.finish(take);
     m_parsed.conflicts = findConflicts(m_parsed.edits);
     return std::move(m_parsed);
 }

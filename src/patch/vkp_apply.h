@@ -10,6 +10,7 @@
 
 #include "app/bytes.h"
 #include "app/result.h"
+#include "patch/line_splitter.h"
 
 namespace korvatek::patch {
 
@@ -55,8 +56,8 @@ private:
     void takeLine(std::string_view line);
 
     ParsedPatch m_parsed;
-    std::string m_partial;          // the start of a line that the next piece goes on with
-    bool m_afterCarriageReturn = false;
+    LineSplitter m_lines;
+    std::string m_start;            // the first bytes, until it is clear whether they are a mark
     bool m_atStart = true;          // nothing read yet: a byte-order mark may come
     int m_lineNumber = 0;
     std::int64_t m_base = 0;
