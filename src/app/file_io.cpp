@@ -1,6 +1,6 @@
 #include "app/file_io.h"
 
-#include <atomic>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -200,12 +200,12 @@ constexpr std::string_view kPartEnd = ".part";
 
 // "NAME.korvatek-PID-RANDOM.part": the process number tells a leftover of a run that is over
 // from the file of a run still writing.
-std::optional<int> partOwner(const std::string& name, const std::string& targetName) {
-    if (name.size() <= targetName.size() + kPartMark.size() + kPartEnd.size()) return std::nullopt;
-    if (name.compare(0, targetName.size(), targetName) != 0) return std::nullopt;
-    if (name.compare(targetName.size(), kPartMark.size(), kPartMark) != 0) return std::nullopt;
-    if (name.compare(name.size() - kPartEnd.size(), kPartEnd.size(), kPartEnd) != 0) return std::nullopt;
-    const std::size_t start = targetName.size() + kPartMark.size();
+std::optional<int> partOwner(const std::string& name) {
+    if (name.size() <= kPartEnd.size() || name.compare(name.size() - kPartEnd.size(), kPartEnd.size(), kPartEnd) != 0)
+        return std::nullopt;
+    const std::size_t mark = name.rfind(kPartMark);
+    if (mark == std::string::npos || mark == 0) return std::nullopt;
+    const std::size_t start = mark + kPartMark.size();
     const std::size_t dash = name.find('-', start);
     if (dash == std::string::npos || dash == start || dash - start > 9) return std::nullopt;
     int pid = 0;
@@ -216,13 +216,21 @@ std::optional<int> partOwner(const std::string& name, const std::string& targetN
     return pid;
 }
 
-void removeLeftovers(const fs::path& folder, const std::string& targetName) {
+// Once per folder and run: a batch writes many files into one folder.
+void removeLeftovers(const fs::path& folder) {
+    static std::mutex lock;
+    static std::vector<fs::path> done;
+    std::lock_guard<std::mutex> guard(lock);
+    const fs::path where = folder.empty() ? fs::path(".") : folder;
     std::error_code ec;
-    fs::directory_iterator it(folder.empty() ? fs::path(".") : folder, ec);
+    const fs::path key = fs::weakly_canonical(where, ec);
+    if (std::find(done.begin(), done.end(), key) != done.end()) return;
+    done.push_back(key);
+    fs::directory_iterator it(where, ec);
     if (ec) return;
     for (const fs::directory_entry& entry : it) {
         const std::string name = pathText(entry.path().filename());
-        const auto owner = partOwner(name, targetName);
+        const auto owner = partOwner(name);
         if (!owner || processIsRunning(*owner)) continue;
         // Only a plain file is removed, never what a link points at.
         if (entry.symlink_status(ec).type() == fs::file_type::regular) fs::remove(entry.path(), ec);
@@ -353,12 +361,13 @@ Status checkOutput(const std::string& path, const std::vector<std::string>& inpu
 Status writeFile(const std::string& path, ByteView bytes, const std::vector<std::string>& inputs) {
     if (const Status allowed = checkOutput(path, inputs); !allowed) return allowed;
     if (isStandardOutput(path)) return writeStandardOutput(bytes);
-    if (!outputState(path).regular) return writeDirectly(path, bytes);
+    const OutputState state = outputState(path);
+    if (!state.regular) return writeDirectly(path, bytes);
 
     const fs::path target = finalTarget(path);
     const fs::path folder = target.parent_path();
     const std::string targetName = pathText(target.filename());
-    removeLeftovers(folder, targetName);
+    removeLeftovers(folder);
 
     fs::path temporary;
     int fd = -1;
@@ -372,7 +381,9 @@ Status writeFile(const std::string& path, ByteView bytes, const std::vector<std:
     if (fd < 0) return writeError(path, errno);
 
     Status written = writeAll(fd, bytes, path);
-    if (written && flushToDisk(fd) != 0) written = writeError(path, errno);
+    // An old file is only given up once the new one is on the disk; a new name has nothing to
+    // lose, and a batch of 1701 files would wait for the disk 1701 times.
+    if (written && state.exists && flushToDisk(fd) != 0) written = writeError(path, errno);
     if (closeFile(fd) != 0 && written) written = writeError(path, errno);
     std::error_code ec;
     if (written) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -56,14 +57,13 @@ TEST(Outputs, devicesAreWrittenNotReplacedAndLeftoversOfEndedRunsGo) {
     ASSERT_TRUE(writeFile("/dev/null", std::string("discarded")).ok());
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 
+    // Leftovers are looked for once per folder and run: these are there before the first write.
     const std::string folder = testing::testFolder();
     const std::string target = folder + "/out.vkp";
-    ASSERT_TRUE(writeFile(folder + "/victim", std::string("keep")).ok());
     const std::string ended = target + ".korvatek-999999999-abc.part";   // no such process
     const std::string running = target + ".korvatek-" + std::to_string(::getpid()) + "-abc.part";
     const std::string planted = target + ".korvatek-999999998-abc.part";  // a link: not ours
-    ASSERT_TRUE(writeFile(ended, std::string("x")).ok());
-    ASSERT_TRUE(writeFile(running, std::string("x")).ok());
+    for (const std::string& name : {ended, running, folder + "/victim"}) std::ofstream(name) << "keep";
     fs::create_symlink(folder + "/victim", planted);
 
     ASSERT_TRUE(writeFile(target, std::string("patch")).ok());
