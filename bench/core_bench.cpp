@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "app/file_io.h"
-#include "app/hex_text.h"
+#include "base/file_io.h"
+#include "base/hex_text.h"
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
-#include "firmware/demo_flash.h"
+#include "demo/demo_flash.h"
 
 namespace {
 

@@ -10,13 +10,13 @@
 #include <memory>
 #include <vector>
 
-#include "app/file_io.h"
-#include "firmware/demo_flash.h"
+#include "base/file_io.h"
+#include "demo/demo_flash.h"
 #include "form1.h"
 #include "picture_list_model.h"
 #include "preview_widget.h"
 #include "qsettings_store.h"
-#include "settings/freedesktop_association.h"
+#include "desktop/freedesktop_association.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <optional>
 
-#include "app/file_io.h"
+#include "base/file_io.h"
 #include "arguments.h"
 #include "commands.h"
-#include "firmware/demo_flash.h"
+#include "demo/demo_flash.h"
 #include "session.h"
 
 namespace korvatek::cli {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "app/file_io.h"
+#include "base/file_io.h"
 #include "arguments.h"
 #include "commands.h"
 #include "session.h"

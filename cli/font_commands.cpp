@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <optional>
 
-#include "app/byte_reader.h"
-#include "app/file_io.h"
-#include "app/hex_text.h"
+#include "base/byte_reader.h"
+#include "base/file_io.h"
+#include "base/hex_text.h"
 #include "arguments.h"
 #include "commands.h"
 #include "session.h"

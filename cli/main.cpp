@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "commands.h"
-#include "settings/message_table.h"
+#include "app/message_table.h"
 
 namespace korvatek::cli {
 

@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "app/file_io.h"
-#include "app/hex_text.h"
+#include "base/file_io.h"
+#include "base/hex_text.h"
 #include "arguments.h"
 #include "commands.h"
 #include "session.h"

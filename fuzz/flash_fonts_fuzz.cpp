@@ -14,10 +14,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
-#include "firmware/demo_flash.h"
+#include "demo/demo_flash.h"
 #include "firmware/layout.h"
 #include "fuzz_support.h"
 

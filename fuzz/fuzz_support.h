@@ -17,8 +17,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "app/bytes.h"
-#include "firmware/demo_flash.h"
+#include "base/bytes.h"
+#include "demo/demo_flash.h"
 
 namespace korvatek::fuzz {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "fuzz_support.h"
-#include "settings/key_file.h"
+#include "desktop/key_file.h"
 
 using namespace korvatek;
 

@@ -5,7 +5,7 @@
 
 #include "command_line.h"
 #include "qt_text.h"
-#include "settings/freedesktop_association.h"
+#include "desktop/freedesktop_association.h"
 
 namespace korvatek::gui {
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "settings/file_association.h"
+#include "desktop/file_association.h"
 
 namespace korvatek::gui {
 

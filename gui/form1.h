@@ -13,8 +13,8 @@
 
 #include "app/workspace.h"
 #include "qt_user_interface.h"
-#include "settings/file_association.h"
-#include "settings/settings_store.h"
+#include "desktop/file_association.h"
+#include "app/settings_store.h"
 
 class QAction;
 class QComboBox;

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "app/workspace.h"
-#include "settings/file_association.h"
-#include "settings/settings_store.h"
+#include "desktop/file_association.h"
+#include "app/settings_store.h"
 
 class QAbstractButton;
 class QCheckBox;

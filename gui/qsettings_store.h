@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "settings/settings_store.h"
+#include "app/settings_store.h"
 
 namespace korvatek::gui {
 

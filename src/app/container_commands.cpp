@@ -1,7 +1,7 @@
 // Loading and saving single pictures: the GPF/GPF2 containers, theme cache files and BMP.
 #include <filesystem>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "codec/picture_decoder.h"
@@ -45,7 +45,7 @@ void Workspace::decodeContainer(ByteReader& in, int width, int height, const std
     }
     if (!decoded) {
         // A format the decoder refuses does not fail the load.
-        showMessage(msg(decoded.error().message));
+        showMessage(errorText(decoded.error()));
         lastDecodeRefused = true;
     }
     picture.dataLength = hexText(in.position() - start);
@@ -62,7 +62,7 @@ void Workspace::LoadGPF(const std::string& path) {
     const auto header = containers::LoadGPFhead(in);
     if (!header) return fail(header.error());
     IsGPF2 = header->isGPF2;
-    if (tooLarge(header->width, header->height)) return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize));
+    if (tooLarge(header->width, header->height)) return fail(makeError(ErrorCode::PictureTooLarge));
     decodeContainer(in, header->width, header->height, header->typeText);
 }
 
@@ -74,7 +74,7 @@ void Workspace::LoadDAT(const std::string& path) {
     ByteReader in(*file);
     const containers::DatHeader header = containers::LoadDAThead(in);
     ReverseByteOrder = true;
-    if (tooLarge(header.width, header.height)) return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize));
+    if (tooLarge(header.width, header.height)) return fail(makeError(ErrorCode::PictureTooLarge));
     decodeContainer(in, header.width, header.height, header.typeText);
 }
 

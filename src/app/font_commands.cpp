@@ -1,5 +1,5 @@
 // The Fonts tab: reading a font's glyph table, showing and saving glyphs, the font size patch.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "fonts/font_table.h"

@@ -1,7 +1,7 @@
 // Replacing glyphs from bitmaps and writing the glyph patch. The bitmap is trimmed to its ink,
 // checked against the room the firmware has for the glyph, encoded, and collected until the
 // patch is saved; the row is marked "*".
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "fonts/font_table.h"
@@ -75,10 +75,10 @@ void Workspace::ReplaceGlyphFromBMP() {
     if (head.error) return fail(*head.error);
     // A bitmap with no rows or columns (a top-down one reads negative) cannot be a glyph.
     if (head.header.width <= 0 || head.header.height <= 0)
-        return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid));
+        return fail(makeError(ErrorCode::GlyphOutsideGrid));
     GlyphShown = true;
     const Status loaded = codec::LoadBMP(in, head.header, glyphGrid);
-    if (!loaded) return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid));
+    if (!loaded) return fail(makeError(ErrorCode::GlyphOutsideGrid));
     const fonts::GlyphTrim trim = fonts::TrimGlyphGrid(glyphGrid, head.header.width, head.header.height);
     preview = Preview{Preview::Source::Glyph, head.header.width, head.header.height};
 

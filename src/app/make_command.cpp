@@ -1,6 +1,6 @@
 // The Make tool: the whole picture area rebuilt from a folder of containers, written as two
 // raw blocks named after the fullflash offsets they belong at.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "containers/gpf_header.h"
 #include "firmware/layout.h"
@@ -61,7 +61,7 @@ void Workspace::mnu_ToolsMake() {
         if (!file) return fail(file.error());
         ByteReader in(*file);
         const auto header = containers::LoadGPFhead(in);
-        if (!header) return fail(makeError(header.error().code, header.error().message, " " + path));
+        if (!header) return fail(makeError(header.error().code, " " + path));
         // Everything after the 32-byte header: the data and their padding.
         const std::size_t length = file->size() > containers::kGpfHeaderSize ? file->size() - containers::kGpfHeaderSize : 0;
         dataBlock.insert(dataBlock.end(), file->end() - static_cast<std::ptrdiff_t>(length), file->end());

@@ -1,6 +1,6 @@
 // "Compare Font..": the selected font rebuilt from a folder of bitmaps named like the glyph
 // batch save names them, written as one V_Klay patch.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "fonts/font_rebuild.h"
@@ -37,9 +37,9 @@ void Workspace::mnuPopup2_MakeF() {
         if (!file) return fail(file.error());
         ByteReader in(*file);
         const codec::BmpHeadResult head = codec::LoadBMPhead(in);
-        if (head.error) return fail(makeError(head.error->code, head.error->message, " " + path));
+        if (head.error) return fail(makeError(head.error->code, " " + path));
         if (head.header.width <= 0 || head.header.height <= 0 || !codec::LoadBMP(in, head.header, glyphGrid))
-            return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid, " " + path));
+            return fail(makeError(ErrorCode::GlyphOutsideGrid, " " + path));
         const fonts::GlyphTrim trim = fonts::TrimGlyphGrid(glyphGrid, head.header.width, head.header.height);
         const auto bitmap = fonts::SaveFont(glyphGrid, trim.left, trim.top, trim.w, trim.h);
         if (!bitmap) return fail(bitmap.error());

@@ -1,6 +1,6 @@
 // Opening a file: a fullflash is identified and listed; containers and theme cache files go
 // to their loaders.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "firmware/identification.h"
 #include "firmware/layout.h"

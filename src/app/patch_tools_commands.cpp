@@ -2,7 +2,7 @@
 // checking a patch against the open fullflash before it is flashed.
 #include <filesystem>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "containers/gpf_header.h"
 #include "patch/lumbra_patch.h"

@@ -1,5 +1,5 @@
 // The picture list: showing the selected picture, and saving one or all of them.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/picture_decoder.h"
 #include "codec/picture_type.h"
@@ -35,7 +35,7 @@ void Workspace::LoadPIC() {
     // 0 that read would fall before the file, so nothing can be decoded there.
     if (dataOffset <= 0) {
         picture.dataLength.assign(1, '0');  // nothing is stored for it: a replacement goes to free space
-        fail(makeError(ErrorCode::BadOffset, MessageKey::MsgDataOffsetZero));
+        fail(makeError(ErrorCode::BadOffset));
         ShownPicture.reset();
         return;
     }
@@ -73,7 +73,7 @@ void Workspace::LoadPIC() {
     }
     ShownPicture = number;
     if (!decoded) {
-        showMessage(msg(decoded.error().message));
+        showMessage(errorText(decoded.error()));
         lastDecodeRefused = true;
     }
     PICinfo = informationText(width, height, picture.bits, picture.compression, picture.dataLength);

@@ -1,7 +1,7 @@
 // Replacing pictures: from a container, a BMP, or a folder of either. A replacement never
 // touches the fullflash: it becomes one section of the picture patch being collected, and
 // the row is marked "*" until the patch is saved.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/picture_encoder.h"
 #include "codec/picture_type.h"

@@ -1,6 +1,6 @@
 // The Tools menu's encoders and converters: BMP>GPF, PNG>GPF, GPF<>DAT, GPF<>GPF2, and the
 // placeholder pictures.
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "codec/picture_encoder.h"
@@ -47,14 +47,14 @@ void Workspace::writeCanvasContainer(const std::string& target, const std::strin
     const int width = canvas.metaWidth;
     const int height = canvas.metaHeight;
     if (!IsGPF2 && !fitsVersion1(width, height))
-        return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgGpfV1MaxSize));
+        return fail(makeError(ErrorCode::GpfV1TooLarge));
     Bytes file = containers::SaveGPFhead(IsGPF2, width, height, TargetTypeField);
     if (containers::typeCodeOf(TargetTypeField) == codec::kTarget1Bit) {
         const Bytes data = codec::SaveGPFmono(canvas);
         file.insert(file.end(), data.begin(), data.end());
     } else {
         const codec::RunLengthResult encoded = codec::SaveGPFraw(canvas, containers::typeCodeOf(TargetTypeField));
-        if (encoded.outsideCanvas) return fail(makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas));
+        if (encoded.outsideCanvas) return fail(makeError(ErrorCode::OutsideCanvas));
         for (int i = 0; i < encoded.stepsBeforeStart; ++i) showMessage("err");
         file.insert(file.end(), encoded.data.begin(), encoded.data.end());
     }
@@ -197,7 +197,7 @@ void Workspace::mnu_ToolsGPFakaGPF2() {
     if (ActionFailed) return;
     const bool toVersion2 = !IsGPF2;
     if (!toVersion2 && !fitsVersion1(picture.width, picture.height))
-        return fail(makeError(ErrorCode::TooLarge, MessageKey::MsgGpfV1MaxSize));
+        return fail(makeError(ErrorCode::GpfV1TooLarge));
 
     std::string target = dropLast(source, IsGPF2 ? 5 : 4);
     OSdialog(ActionFailed, toVersion2 ? kGpf2Filter : kGpfFilter, "GPF", target, true);

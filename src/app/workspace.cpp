@@ -1,6 +1,7 @@
 #include "app/workspace.h"
 
-#include "app/hex_text.h"
+#include "app/error_message.h"
+#include "base/hex_text.h"
 
 namespace korvatek::app {
 
@@ -85,7 +86,7 @@ void Workspace::showSuccess() {
 }
 
 std::string Workspace::errorText(const Error& error) const {
-    std::string text = msg(error.message);
+    std::string text = msg(messageFor(error.code));
     if (error.limit) {
         if (const auto at = text.find("%1"); at != std::string::npos) text.replace(at, 2, limitText(*error.limit));
     }

@@ -10,16 +10,16 @@
 #include <string>
 #include <vector>
 
-#include "app/file_io.h"
-#include "app/result.h"
+#include "base/file_io.h"
+#include "base/result.h"
 #include "app/user_interface.h"
 #include "codec/pixel_canvas.h"
 #include "firmware/identification.h"
 #include "firmware/picture_record.h"
 #include "fonts/font_patch.h"
 #include "fonts/glyph_record.h"
-#include "settings/message_table.h"
-#include "settings/settings_store.h"
+#include "app/message_table.h"
+#include "app/settings_store.h"
 
 namespace korvatek::app {
 

@@ -4,7 +4,6 @@
 
 namespace korvatek::codec {
 
-using settings::MessageKey;
 
 namespace {
 
@@ -49,7 +48,7 @@ Result<Bytes> encodeBmp(const PixelCanvas& canvas, int outputDepth) {
     // (a zero or negative side) writes the header alone.
     const bool hasPixels = width > 0 && height > 0;
     if (hasPixels && (width > canvas.columns() || height > canvas.rows()))
-        return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas);
+        return makeError(ErrorCode::OutsideCanvas);
 
     Bytes file = SaveBMPhead(width, height, canvas.metaDepth);
     const bool full = outputDepth != 24;
@@ -72,7 +71,7 @@ BmpHeadResult LoadBMPhead(ByteReader& in) {
     const std::uint8_t b = in.u8();
     const std::uint8_t m = in.u8();
     if (b != 'B' || m != 'M') {
-        result.error = makeError(ErrorCode::BadMagic, MessageKey::MsgUnknownFile, {}, 0);
+        result.error = makeError(ErrorCode::BadMagic, {}, 0);
         return result;
     }
     in.skip(8);                       // offsets 2..9
@@ -83,19 +82,19 @@ BmpHeadResult LoadBMPhead(ByteReader& in) {
     in.skip(2);                       // 26..27
     result.header.bits = in.u8();     // 28: low byte of the bit count
     if (result.header.bits != 24 && result.header.bits != 32) {
-        result.error = makeError(ErrorCode::UnsupportedFormat, MessageKey::MsgBmpNot24or32, {}, kBmpBitsField);
+        result.error = makeError(ErrorCode::BmpNotTrueColour, {}, kBmpBitsField);
         return result;
     }
     in.skip(1);                       // 29
     if (in.u8() != 0) {               // 30: low byte of the compression field
-        result.error = makeError(ErrorCode::UnsupportedFormat, MessageKey::MsgBmpCompressed, {}, kBmpCompressionField);
+        result.error = makeError(ErrorCode::BmpCompressed, {}, kBmpCompressionField);
         return result;
     }
     // Skip to the data offset in one block; a block of 2 is read when the offset is that close.
     const int block = dataOffset - 31;
     in.skip(static_cast<std::uint64_t>(block <= 2 ? 2 : block));
     if (result.header.width > kMaxPictureWidth || result.header.height > kMaxPictureHeight)
-        result.error = makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize);
+        result.error = makeError(ErrorCode::PictureTooLarge);
     return result;
 }
 
@@ -112,7 +111,7 @@ Status LoadBMP(ByteReader& in, const BmpHeader& header, PixelCanvas& canvas) {
         const int y = row > canvas.rows() ? canvas.rows() : static_cast<int>(row);
         for (int x = 0; x < header.width; ++x) {
             if (!canvas.contains(x, y))
-                return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas, {}, in.position());
+                return makeError(ErrorCode::OutsideCanvas, {}, in.position());
             Cell cell{0, 0, 0, 0xFF};
             in.read(cell.data(), static_cast<std::size_t>(size));
             canvas.at(x, y) = cell;

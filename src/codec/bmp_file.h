@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/byte_reader.h"
-#include "app/bytes.h"
-#include "app/result.h"
+#include "base/byte_reader.h"
+#include "base/bytes.h"
+#include "base/result.h"
 #include "codec/pixel_canvas.h"
 
 namespace korvatek::codec {

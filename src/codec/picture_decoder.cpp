@@ -10,7 +10,6 @@
 
 namespace korvatek::codec {
 
-using settings::MessageKey;
 
 namespace {
 
@@ -88,7 +87,7 @@ private:
 };
 
 Error outside(const ByteReader& in) {
-    return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas, {}, in.position());
+    return makeError(ErrorCode::OutsideCanvas, {}, in.position());
 }
 
 Status decodeMonochrome(ByteReader& in, const DecodeRequest& r, PixelCanvas& canvas) {
@@ -146,7 +145,7 @@ Status ConvertGPF2BMPdata(ByteReader& in, const DecodeRequest& request, PixelCan
     const bool compressed = request.compression == "Yes";
     const bool accepted = request.bits == 8 || request.bits == 12 || request.bits == 16 || request.bits == 24 ||
                           (request.bits == 1 && !compressed);
-    if (!accepted) return makeError(ErrorCode::UnsupportedFormat, MessageKey::MsgGpfNotSupported);
+    if (!accepted) return makeError(ErrorCode::UnsupportedFormat);
 
     canvas.metaWidth = request.width;
     canvas.metaHeight = request.height;

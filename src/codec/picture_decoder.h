@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "app/byte_reader.h"
-#include "app/result.h"
+#include "base/byte_reader.h"
+#include "base/result.h"
 #include "codec/pixel_canvas.h"
 
 namespace korvatek::codec {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "app/bytes.h"
+#include "base/bytes.h"
 #include "codec/pixel_canvas.h"
 
 namespace korvatek::codec {

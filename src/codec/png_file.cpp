@@ -6,12 +6,11 @@
 #include <cstring>
 #include <vector>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "codec/picture_type.h"
 
 namespace korvatek::codec {
 
-using settings::MessageKey;
 
 std::string colourTypeName(int colourType) {
     switch (colourType) {
@@ -43,7 +42,7 @@ PngHeadResult LoadPNGhead(ByteReader& in) {
     PngHeadResult result;
     const Bytes signature = in.bytes(8);
     if (std::memcmp(signature.data(), kPngSignature, 8) != 0) {
-        result.error = makeError(ErrorCode::BadMagic, MessageKey::MsgUnknownFile, {}, 0);
+        result.error = makeError(ErrorCode::BadMagic, {}, 0);
         return result;
     }
     PngHead& head = result.head;
@@ -68,7 +67,7 @@ PngHeadResult LoadPNGhead(ByteReader& in) {
         }
     }
     if (head.width > kMaxPictureWidth || head.height > kMaxPictureHeight)
-        result.error = makeError(ErrorCode::TooLarge, MessageKey::MsgMaxSize);
+        result.error = makeError(ErrorCode::PictureTooLarge);
     return result;
 }
 
@@ -157,11 +156,11 @@ bool decodeInto(PngJob* job) {
 Status decodePng(ByteView file, PixelCanvas& canvas) {
     PngJob job;
     job.data = file;
-    if (!decodeInto(&job)) return makeError(ErrorCode::BadMagic, MessageKey::MsgUnknownFile);
+    if (!decodeInto(&job)) return makeError(ErrorCode::BadMagic);
     const auto width = static_cast<int>(job.width);
     const auto height = static_cast<int>(job.height);
     if (width > canvas.columns() || height > canvas.rows())
-        return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgOutsideCanvas);
+        return makeError(ErrorCode::OutsideCanvas);
     // Only the types that carry alpha keep it; a palette's or grey's transparency is dropped.
     const bool keepAlpha = job.colourType == PNG_COLOR_TYPE_RGB_ALPHA || job.colourType == PNG_COLOR_TYPE_GRAY_ALPHA;
     for (int y = 0; y < height; ++y) {

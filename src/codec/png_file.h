@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "app/byte_reader.h"
-#include "app/result.h"
+#include "base/byte_reader.h"
+#include "base/result.h"
 #include "codec/pixel_canvas.h"
 
 namespace korvatek::codec {

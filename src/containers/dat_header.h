@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/byte_reader.h"
-#include "app/bytes.h"
+#include "base/byte_reader.h"
+#include "base/bytes.h"
 
 namespace korvatek::containers {
 

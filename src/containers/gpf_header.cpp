@@ -1,10 +1,9 @@
 #include "containers/gpf_header.h"
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 
 namespace korvatek::containers {
 
-using settings::MessageKey;
 
 Result<GpfHeader> LoadGPFhead(ByteReader& in) {
     const Bytes magic = in.bytes(kGpfMagicSize);
@@ -13,7 +12,7 @@ Result<GpfHeader> LoadGPFhead(ByteReader& in) {
     if (text == kGpf2Magic)
         header.isGPF2 = true;
     else if (text != kGpfMagic)
-        return makeError(ErrorCode::BadMagic, MessageKey::MsgUnknownFile, {}, 0);
+        return makeError(ErrorCode::BadMagic, {}, 0);
 
     in.skip(4);
     const std::size_t sizeWidth = header.isGPF2 ? 2 : 1;

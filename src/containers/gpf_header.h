@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/byte_reader.h"
-#include "app/bytes.h"
-#include "app/result.h"
+#include "base/byte_reader.h"
+#include "base/bytes.h"
+#include "base/result.h"
 
 namespace korvatek::containers {
 

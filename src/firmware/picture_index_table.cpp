@@ -1,6 +1,6 @@
 #include "firmware/picture_index_table.h"
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 #include "firmware/layout.h"
 
 namespace korvatek::firmware {

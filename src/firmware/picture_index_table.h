@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/byte_reader.h"
+#include "base/byte_reader.h"
 #include "firmware/picture_record.h"
 
 namespace korvatek::firmware {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/bytes.h"
+#include "base/bytes.h"
 
 namespace korvatek::fonts {
 

@@ -4,8 +4,8 @@
 #include <array>
 #include <map>
 
-#include "app/byte_reader.h"
-#include "app/hex_text.h"
+#include "base/byte_reader.h"
+#include "base/hex_text.h"
 #include "fonts/font_table.h"
 
 namespace korvatek::fonts {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/bytes.h"
+#include "base/bytes.h"
 #include "fonts/glyph_record.h"
 
 namespace korvatek::fonts {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 
 namespace korvatek::fonts {
 

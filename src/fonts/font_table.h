@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/byte_reader.h"
+#include "base/byte_reader.h"
 #include "fonts/glyph_record.h"
 
 namespace korvatek::fonts {

@@ -2,11 +2,10 @@
 
 namespace korvatek::fonts {
 
-using settings::MessageKey;
 
 namespace {
 
-Error outsideGrid() { return makeError(ErrorCode::OutsideCanvas, MessageKey::MsgGlyphOutsideGrid); }
+Error outsideGrid() { return makeError(ErrorCode::GlyphOutsideGrid); }
 
 bool isInk(const codec::Cell& c) { return (c[0] + c[1] + c[2]) / 3.0 < 127; }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/bytes.h"
+#include "base/bytes.h"
 #include "patch/line_splitter.h"
 
 namespace korvatek::patch {

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <numeric>
 
-#include "app/hex_text.h"
+#include "base/hex_text.h"
 
 namespace korvatek::patch {
 

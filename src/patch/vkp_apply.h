@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "app/bytes.h"
-#include "app/result.h"
+#include "base/bytes.h"
+#include "base/result.h"
 #include "patch/line_splitter.h"
 
 namespace korvatek::patch {

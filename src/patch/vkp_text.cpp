@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "app/byte_reader.h"
-#include "app/hex_text.h"
+#include "base/byte_reader.h"
+#include "base/hex_text.h"
 
 namespace korvatek::patch {
 

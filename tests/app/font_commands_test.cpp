@@ -7,7 +7,7 @@
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
-#include "firmware/demo_flash.h"
+#include "demo/demo_flash.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {

@@ -187,7 +187,7 @@ TEST(SafeWrites, completeFilesOnlyAndNothingLeftBehind) {
     EXPECT_EQ(testing::readAll(folder + "/a.bin"), bytesOf("second"));
     const Status refused = writeFile(folder + "/missing/b.bin", std::string("x"));
     ASSERT_FALSE(refused.ok());
-    EXPECT_EQ(refused.error().message, settings::MessageKey::MsgCannotWriteFile);
+    EXPECT_EQ(refused.error().code, ErrorCode::FileUnwritable);
     int entries = 0;
     for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(folder)) ++entries;
     EXPECT_EQ(entries, 1);  // no temporary name stays beside the file

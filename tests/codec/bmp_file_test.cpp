@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace korvatek::codec {
 
 namespace {
@@ -92,28 +94,28 @@ TEST(BmpFile, readerRefusals) {
     const auto refusal = [](Bytes bytes) {
         ByteReader in(bytes);
         const auto head = LoadBMPhead(in);
-        return head.error ? head.error->message : settings::MessageKey::Count;
+        return head.error ? std::optional<ErrorCode>(head.error->code) : std::nullopt;
     };
     Bytes notBmp = bmp;
     notBmp[0] = 'X';
-    EXPECT_EQ(refusal(notBmp), settings::MessageKey::MsgUnknownFile);
+    EXPECT_EQ(refusal(notBmp), ErrorCode::BadMagic);
     Bytes bits16 = bmp;
     bits16[28] = 16;
-    EXPECT_EQ(refusal(bits16), settings::MessageKey::MsgBmpNot24or32);
+    EXPECT_EQ(refusal(bits16), ErrorCode::BmpNotTrueColour);
     Bytes bitfields = bmp;
     bitfields[30] = 3;
-    EXPECT_EQ(refusal(bitfields), settings::MessageKey::MsgBmpCompressed);
+    EXPECT_EQ(refusal(bitfields), ErrorCode::BmpCompressed);
     Bytes wide = bmp;
     wide[18] = 241;
-    EXPECT_EQ(refusal(wide), settings::MessageKey::MsgMaxSize);
+    EXPECT_EQ(refusal(wide), ErrorCode::PictureTooLarge);
     Bytes tall = bmp;
     tall[22] = 0x41;
     tall[23] = 0x01;
-    EXPECT_EQ(refusal(tall), settings::MessageKey::MsgMaxSize);
+    EXPECT_EQ(refusal(tall), ErrorCode::PictureTooLarge);
     Bytes huge = bmp;
     huge[21] = 0x7F;  // 2 GB wide: refused, nothing allocated
-    EXPECT_EQ(refusal(huge), settings::MessageKey::MsgMaxSize);
-    EXPECT_EQ(refusal({}), settings::MessageKey::MsgUnknownFile);
+    EXPECT_EQ(refusal(huge), ErrorCode::PictureTooLarge);
+    EXPECT_EQ(refusal({}), ErrorCode::BadMagic);
 }
 
 TEST(BmpFile, onlyTheLowByteOfTheDataOffsetCounts) {

@@ -130,7 +130,7 @@ TEST(PictureDecoder, refusedFormatsReadNothing) {
                                    DecodeRequest{4, 4, 4, "No", 24}}) {
         const auto d = decode({1, 2, 3}, r, canvas);
         ASSERT_FALSE(d.status.ok());
-        EXPECT_EQ(d.status.error().message, settings::MessageKey::MsgGpfNotSupported);
+        EXPECT_EQ(d.status.error().code, ErrorCode::UnsupportedFormat);
         EXPECT_EQ(d.consumed, 0u);
         EXPECT_EQ(canvas.metaWidth, 77);  // the canvas keeps what it had
     }

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/byte_reader.h"
+#include "base/byte_reader.h"
 #include "codec/picture_decoder.h"
 #include "codec/pixel_decode.h"
 

@@ -69,13 +69,13 @@ TEST(PngHead, readsSizeColourTypeAndResolution) {
 }
 
 TEST(PngHead, refusals) {
-    EXPECT_EQ(head(headerOnly(241, 100, 2)).error->message, settings::MessageKey::MsgMaxSize);
-    EXPECT_EQ(head(headerOnly(100, 321, 2)).error->message, settings::MessageKey::MsgMaxSize);
+    EXPECT_EQ(head(headerOnly(241, 100, 2)).error->code, ErrorCode::PictureTooLarge);
+    EXPECT_EQ(head(headerOnly(100, 321, 2)).error->code, ErrorCode::PictureTooLarge);
     EXPECT_FALSE(head(headerOnly(240, 320, 2)).error.has_value());
     Bytes notPng = headerOnly(1, 1, 2);
     notPng[1] = 'X';
-    EXPECT_EQ(head(notPng).error->message, settings::MessageKey::MsgUnknownFile);
-    EXPECT_EQ(head({}).error->message, settings::MessageKey::MsgUnknownFile);
+    EXPECT_EQ(head(notPng).error->code, ErrorCode::BadMagic);
+    EXPECT_EQ(head({}).error->code, ErrorCode::BadMagic);
     // a chunk that claims more than the file holds ends the walk, with what was read
     Bytes lying = headerOnly(2, 2, 2);
     lying[8 + 25] = 0x7F;  // the length of the chunk after IHDR
@@ -107,7 +107,7 @@ TEST(PngDecode, corruptOrTruncatedFilesAreUnknown) {
         PixelCanvas canvas;
         const Status s = decodePng(bad, canvas);
         ASSERT_FALSE(s.ok());
-        EXPECT_EQ(s.error().message, settings::MessageKey::MsgUnknownFile);
+        EXPECT_EQ(s.error().code, ErrorCode::BadMagic);
     }
 }
 

@@ -40,7 +40,7 @@ TEST(GpfHeader, aMagicOneCharacterOffIsUnknown) {
     ByteReader in(file);
     const auto header = LoadGPFhead(in);
     ASSERT_FALSE(header.ok());
-    EXPECT_EQ(header.error().message, settings::MessageKey::MsgUnknownFile);
+    EXPECT_EQ(header.error().code, ErrorCode::BadMagic);
     const Bytes empty;
     ByteReader none(empty);
     EXPECT_FALSE(LoadGPFhead(none).ok());

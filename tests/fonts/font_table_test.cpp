@@ -140,7 +140,7 @@ TEST(GlyphBitmap, aGlyphWiderThanTheGridStops) {
     ByteReader in(bitmap);
     const Status s = drawGlyph(in, {200, 200, 2, 0, 0}, grid);
     ASSERT_FALSE(s.ok());
-    EXPECT_EQ(s.error().message, settings::MessageKey::MsgGlyphOutsideGrid);
+    EXPECT_EQ(s.error().code, ErrorCode::GlyphOutsideGrid);
 }
 
 TEST(GlyphBitmap, saveFontAndTrim) {

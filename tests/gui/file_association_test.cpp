@@ -8,8 +8,8 @@
 
 #include "file_association_store.h"
 #include "options_dialog.h"
-#include "settings/freedesktop_association.h"
-#include "settings/key_file.h"
+#include "desktop/freedesktop_association.h"
+#include "desktop/key_file.h"
 #include "test_classes.h"
 #include "test_support.h"
 

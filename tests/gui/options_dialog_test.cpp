@@ -12,7 +12,7 @@
 
 #include "options_dialog.h"
 #include "qsettings_store.h"
-#include "settings/message_table.h"
+#include "app/message_table.h"
 #include "test_classes.h"
 #include "test_support.h"
 

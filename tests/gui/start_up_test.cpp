@@ -12,7 +12,7 @@
 #include "picture_list_model.h"
 #include "preview_widget.h"
 #include "qsettings_store.h"
-#include "settings/message_table.h"
+#include "app/message_table.h"
 #include "test_classes.h"
 #include "test_support.h"
 

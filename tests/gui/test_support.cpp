@@ -12,9 +12,9 @@
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
-#include "firmware/demo_flash.h"
+#include "demo/demo_flash.h"
 #include "qsettings_store.h"
-#include "settings/freedesktop_association.h"
+#include "desktop/freedesktop_association.h"
 
 namespace korvatek::gui::test {
 

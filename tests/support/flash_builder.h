@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/bytes.h"
+#include "base/bytes.h"
 
 namespace korvatek::testing {
 

@@ -1,0 +1,30 @@
+#include "app/error_message.h"
+
+namespace korvatek::app {
+
+using settings::MessageKey;
+
+MessageKey messageFor(ErrorCode code) {
+    switch (code) {
+        case ErrorCode::FileMissing:
+        case ErrorCode::FileUnreadable: return MessageKey::MsgCannotOpenFile;
+        case ErrorCode::FileUnwritable: return MessageKey::MsgCannotWriteFile;
+        case ErrorCode::FileTooLarge: return MessageKey::MsgFileTooLarge;
+        case ErrorCode::NotRegularFile: return MessageKey::MsgNotRegularFile;
+        case ErrorCode::OutputIsInput: return MessageKey::MsgOutputIsInput;
+        case ErrorCode::OutputIsFolder: return MessageKey::MsgOutputIsFolder;
+        case ErrorCode::BadMagic: return MessageKey::MsgUnknownFile;
+        case ErrorCode::UnsupportedFormat: return MessageKey::MsgGpfNotSupported;
+        case ErrorCode::BmpNotTrueColour: return MessageKey::MsgBmpNot24or32;
+        case ErrorCode::BmpCompressed: return MessageKey::MsgBmpCompressed;
+        case ErrorCode::PictureTooLarge: return MessageKey::MsgMaxSize;
+        case ErrorCode::GpfV1TooLarge: return MessageKey::MsgGpfV1MaxSize;
+        case ErrorCode::OutsideCanvas: return MessageKey::MsgOutsideCanvas;
+        case ErrorCode::GlyphOutsideGrid: return MessageKey::MsgGlyphOutsideGrid;
+        case ErrorCode::BadOffset: return MessageKey::MsgDataOffsetZero;
+        case ErrorCode::Overflow: return MessageKey::MsgUnknownFile;  // a number too long to read
+    }
+    return MessageKey::MsgUnknownFile;
+}
+
+}  // namespace korvatek::app
