@@ -17,6 +17,10 @@ Arguments parseArguments(const std::vector<std::string>& words, const std::set<s
         const bool looksLikeOption =
             !optionsEnded && word.size() > 1 && word[0] == '-' && !std::isdigit(static_cast<unsigned char>(word[1]));
         if (!looksLikeOption) {
+            if (word.empty()) {
+                args.error = "an empty text where a file or a number belongs";
+                return args;
+            }
             args.positional.push_back(word);
             args.ordered.emplace_back(std::string(), word);
             continue;

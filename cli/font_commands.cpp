@@ -131,8 +131,12 @@ int runFontPatch(const Words& words) {
     if (replacements.empty()) return usageError(command, "no replacement given");
     Session session;
     std::vector<std::string> inputs{args.positional[0]};
-    for (const auto& r : replacements)
-        if (r.code) inputs.push_back(r.path);
+    for (const auto& r : replacements) {
+        if (r.code)
+            inputs.push_back(r.path);
+        else
+            Session::addFolderFiles(r.path, inputs);
+    }
     if (!session.outputAllowed(*out, inputs)) return 1;
     if (const int status = openFont(session, args.positional[0], *font)) return status;
     app::Workspace& ws = session.workspace();
@@ -180,6 +184,9 @@ int runMakeFont(const Words& words) {
         ws.showMessage(ws.msg(settings::MessageKey::MsgFileNotExist) + " " + args.positional[2]);
         return 1;
     }
+    std::vector<std::string> inputs{args.positional[0]};
+    Session::addFolderFiles(args.positional[2], inputs);
+    if (!session.outputAllowed(*out, inputs)) return 1;
     if (const int status = openFont(session, args.positional[0], *font)) return status;
     session.ui().folders.push_back(args.positional[2]);
     session.ui().saveFiles.push_back(*out);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_io.h"
 #include "commands.h"
 #include "app/message_table.h"
 
@@ -68,10 +69,26 @@ int usageError(const Command& command, const std::string& why) {
 
 namespace korvatek::cli {
 
+namespace {
+
+// Interrupted: the half-written output goes (the temporary folder is cleared by the next run),
+// then the signal does what it would have done.
+extern "C" void onInterrupt(int signalNumber) {
+    app::removePartialOutput();
+    std::signal(signalNumber, SIG_DFL);
+    std::raise(signalNumber);
+}
+
+}  // namespace
+
 int runCommandLine(const std::vector<std::string>& arguments) {
 #ifdef SIGXFSZ
     // A file-size limit then fails the write (and the output is cleaned up) instead of killing us.
     std::signal(SIGXFSZ, SIG_IGN);
+#endif
+    for (const int signalNumber : {SIGINT, SIGTERM}) std::signal(signalNumber, onInterrupt);
+#ifdef SIGHUP
+    std::signal(SIGHUP, onInterrupt);
 #endif
     if (arguments.empty()) {
         printHelp(stderr);

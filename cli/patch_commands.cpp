@@ -79,6 +79,11 @@ bool replace(Session& session, const Replacement& r) {
     const int problemsBefore = ui.problems;
     const std::string lengthBefore = ws.picture.dataLength;
     bool accepted = false;
+    const bool folder = r.kind == Replacement::Kind::GpfFolder || r.kind == Replacement::Kind::BmpFolder;
+    if (folder && !std::filesystem::is_directory(app::toPath(r.path))) {
+        ws.showMessage(ws.msg(MessageKey::MsgFileNotExist) + " " + r.path);
+        return false;
+    }
     switch (r.kind) {
         case Replacement::Kind::GpfFolder:
             ui.folders.push_back(r.path);
@@ -139,8 +144,12 @@ int runPatch(const Words& words) {
     if (replacements.empty()) return usageError(command, "no replacement given");
     Session session;
     std::vector<std::string> inputs{args.positional[0]};
-    for (const auto& r : replacements)
-        if (r.kind != Replacement::Kind::GpfFolder && r.kind != Replacement::Kind::BmpFolder) inputs.push_back(r.path);
+    for (const auto& r : replacements) {
+        if (r.kind == Replacement::Kind::GpfFolder || r.kind == Replacement::Kind::BmpFolder)
+            Session::addFolderFiles(r.path, inputs);
+        else
+            inputs.push_back(r.path);
+    }
     if (!session.outputAllowed(*out, inputs)) return 1;
     if (!session.openFlash(args.positional[0])) return 1;
     bool allAccepted = true;

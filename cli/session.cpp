@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include <cstdio>
+#include <filesystem>
 
 namespace korvatek::cli {
 
@@ -53,6 +54,12 @@ void Session::printInformation(bool onStandardError) const {
     for (char& c : text)
         if (c == '\r') c = '\n';
     std::fprintf(onStandardError ? stderr : stdout, "%s\n", text.c_str());
+}
+
+void Session::addFolderFiles(const std::string& folder, std::vector<std::string>& inputs) {
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(app::toPath(folder), ec))
+        inputs.push_back(app::pathText(entry.path()));
 }
 
 bool Session::outputAllowed(const std::string& output, const std::vector<std::string>& inputs) {

@@ -34,6 +34,9 @@ public:
     // and every file named as a replacement): the message on stderr, false.
     bool outputAllowed(const std::string& output, const std::vector<std::string>& inputs);
 
+    // The files of a folder given as an input, to count among the inputs an output may not be.
+    static void addFolderFiles(const std::string& folder, std::vector<std::string>& inputs);
+
 private:
     CliInterface m_ui;
     app::Workspace m_workspace;

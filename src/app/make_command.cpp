@@ -28,14 +28,15 @@ void Workspace::mnu_ToolsMake() {
     const std::string tableName = "0x0" + hexText(firmware::kPictureTableOffset) + ".bin";
     const std::string dataPath = joinPath(output, dataName);
     const std::string tablePath = joinPath(output, tableName);
-    // The question names the bare file, without its folder.
+    // The question names the bare file, without its folder. An older file stays as it is until
+    // its new one is complete; a folder or a device under that name is refused.
     for (const auto& [path, name] : {std::pair{dataPath, dataName}, std::pair{tablePath, tableName}}) {
+        if (const Status allowed = checkOutput(path, protectedInputs({})); !allowed) return fail(allowed.error());
         if (CheckFexist(path)) continue;
         if (!ui.askOkCancel(msg(MessageKey::MsgFile) + name + msg(MessageKey::MsgFileExists))) {
             ActionFailed = true;
             return;
         }
-        deleteFile(path);
     }
 
     Bytes dataBlock;

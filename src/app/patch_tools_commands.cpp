@@ -34,9 +34,11 @@ void Workspace::mnu_ToolsConvertLumbrapatch() {
         const std::string name = zeroPadded(picture.number, 4) + ".gpf2";
         // The existence test and the deletion use the bare name, as they always have; the
         // file made next lies in the chosen folder and replaces any older one there.
+        // Only a plain file is deleted so, never the patch being read nor a folder or device.
         if (!CheckFexist(name)) {
             showMessage(msg(MessageKey::MsgFile) + name + msg(MessageKey::MsgFileExists));
-            deleteFile(name);
+            std::error_code ec;
+            if (std::filesystem::is_regular_file(toPath(name), ec) && !sameFile(name, source)) deleteFile(name);
         }
         IsGPF2 = true;
         Bytes file = containers::SaveGPFhead(true, picture.width, picture.height,

@@ -118,7 +118,13 @@ Status openInput(const std::string& path, std::uint64_t limit, InputFile& file) 
     // Opened without waiting: a pipe with no writer would otherwise block here for ever. The flag
     // means nothing for a regular file, and nothing else is read.
     file.fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file.fd < 0) return openError(path, errno);
+    if (file.fd < 0) {
+        const int e = errno;
+        struct stat st {};
+        if (e == ENXIO && ::stat(path.c_str(), &st) == 0 && S_ISSOCK(st.st_mode))  // a socket cannot be opened
+            return makeError(ErrorCode::NotRegularFile, path);
+        return openError(path, e);
+    }
     struct stat st {};
     if (::fstat(file.fd, &st) != 0) return openError(path, errno);
     if (S_ISDIR(st.st_mode)) return openError(path, EISDIR);
@@ -256,14 +262,39 @@ OutputState outputState(const std::string& path) {
     return state;
 }
 
-// The name the new file is renamed to: a link named as the output is followed, so that the
-// file it points at is replaced and the link stays a link.
+// The name the new file is renamed to: a link named as the output is followed (also one whose
+// file does not exist yet), so that the file it points at is written and the link stays a link.
 fs::path finalTarget(const std::string& path) {
-    const fs::path target = toPath(path);
+    fs::path target = toPath(path);
     std::error_code ec;
-    if (fs::symlink_status(target, ec).type() != fs::file_type::symlink) return target;
-    const fs::path resolved = fs::weakly_canonical(target, ec);
-    return ec ? target : resolved;
+    for (int hops = 0; hops < 40 && fs::symlink_status(target, ec).type() == fs::file_type::symlink; ++hops) {
+        const fs::path next = fs::read_symlink(target, ec);
+        if (ec) break;
+        target = next.is_absolute() ? next : target.parent_path() / next;
+    }
+    return target;
+}
+
+// The temporary name beside `targetName`: the target's name cut so that the whole stays
+// within the 255 bytes a file name may have, then the mark, the process and a random part.
+std::string temporaryName(const std::string& targetName) {
+    const std::string tail = std::string(kPartMark) + std::to_string(currentProcessId()) + "-" + randomSuffix() +
+                             std::string(kPartEnd);
+    std::string head = targetName.substr(0, std::min<std::size_t>(targetName.size(), 255 - tail.size()));
+    while (!head.empty() && (static_cast<unsigned char>(head.back()) & 0xC0) == 0x80) head.pop_back();  // whole letters
+    if (!head.empty() && static_cast<unsigned char>(head.back()) >= 0xC0) head.pop_back();
+    return head + tail;
+}
+
+// The temporary file being written, in the system's own characters, so that an interrupted
+// run can remove it.
+fs::path::value_type g_partialOutput[4096] = {};
+
+void notePartialOutput(const fs::path& path) {
+    const auto& text = path.native();
+    const std::size_t n = std::min<std::size_t>(text.size(), std::size(g_partialOutput) - 1);
+    std::copy_n(text.data(), n, g_partialOutput);
+    g_partialOutput[n] = 0;
 }
 
 Status writeAll(int fd, ByteView bytes, const std::string& path) {
@@ -371,15 +402,22 @@ Status writeFile(const std::string& path, ByteView bytes, const std::vector<std:
     fs::path temporary;
     int fd = -1;
     for (int attempt = 0; attempt < 100 && fd < 0; ++attempt) {
-        const std::string name = targetName + std::string(kPartMark) + std::to_string(currentProcessId()) + "-" +
-                                 randomSuffix() + std::string(kPartEnd);
-        temporary = folder / toPath(name);
+        temporary = folder / toPath(temporaryName(targetName));
         fd = createExclusive(temporary);
         if (fd < 0 && errno != EEXIST) break;
     }
     if (fd < 0) return writeError(path, errno);
+    notePartialOutput(temporary);
 
     Status written = writeAll(fd, bytes, path);
+#ifndef _WIN32
+    // A replaced file keeps its permissions and, where we may, its owner: a private file stays private.
+    struct stat old {};
+    if (written && state.exists && ::stat(target.c_str(), &old) == 0) {
+        if (::fchown(fd, old.st_uid, old.st_gid) != 0) { /* not ours to give away: keep our own */ }
+        (void)::fchmod(fd, old.st_mode & 07777);
+    }
+#endif
     // An old file is only given up once the new one is on the disk; a new name has nothing to
     // lose, and a batch of 1701 files would wait for the disk 1701 times.
     if (written && state.exists && flushToDisk(fd) != 0) written = writeError(path, errno);
@@ -390,7 +428,17 @@ Status writeFile(const std::string& path, ByteView bytes, const std::vector<std:
         if (ec) written = writeError(path, ec.value());
     }
     if (!written) fs::remove(temporary, ec);
+    g_partialOutput[0] = 0;
     return written;
+}
+
+void removePartialOutput() {
+    // Called from a signal handler: unlink alone, on a name prepared before.
+#ifdef _WIN32
+    if (g_partialOutput[0] != 0) ::_wunlink(g_partialOutput);
+#else
+    if (g_partialOutput[0] != 0) ::unlink(g_partialOutput);
+#endif
 }
 
 Status writeFile(const std::string& path, std::string_view text, const std::vector<std::string>& inputs) {
@@ -445,6 +493,34 @@ std::mutex g_privateFolderLock;
 std::string g_privateFolder;
 std::string g_privateFolderParent;
 
+constexpr std::string_view kPrivateFolderMark = "korvatek-";
+
+// Folders of runs that were killed: "korvatek-PID-RANDOM", ours, whose process is over.
+void removeEndedPrivateFolders(const std::string& parent) {
+    std::error_code ec;
+    fs::directory_iterator it(toPath(parent), ec);
+    if (ec) return;
+    for (const fs::directory_entry& entry : it) {
+        const std::string name = pathText(entry.path().filename());
+        if (name.rfind(kPrivateFolderMark, 0) != 0 || entry.symlink_status(ec).type() != fs::file_type::directory) continue;
+        const std::size_t start = kPrivateFolderMark.size();
+        const std::size_t dash = name.find('-', start);
+        if (dash == std::string::npos || dash == start || dash - start > 9) continue;
+        int pid = 0;
+        bool digits = true;
+        for (std::size_t i = start; i < dash; ++i) {
+            digits = digits && name[i] >= '0' && name[i] <= '9';
+            pid = pid * 10 + (name[i] - '0');
+        }
+        if (!digits || processIsRunning(pid)) continue;
+#ifndef _WIN32
+        struct stat st {};
+        if (::lstat(entry.path().c_str(), &st) != 0 || st.st_uid != ::getuid()) continue;  // not ours
+#endif
+        fs::remove_all(entry.path(), ec);
+    }
+}
+
 }  // namespace
 
 std::string privateTemporaryFolder() {
@@ -452,8 +528,10 @@ std::string privateTemporaryFolder() {
     // Made anew when TMP changes, so that the folder the person chose is the one used.
     const std::string parent = temporaryFolder();
     if (!g_privateFolder.empty() && parent == g_privateFolderParent) return g_privateFolder;
+    removeEndedPrivateFolders(parent);
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const std::string candidate = joinPath(parent, "korvatek-" + randomSuffix());
+        const std::string candidate =
+            joinPath(parent, std::string(kPrivateFolderMark) + std::to_string(currentProcessId()) + "-" + randomSuffix());
         std::error_code ec;
 #ifdef _WIN32
         if (!fs::create_directory(toPath(candidate), ec)) {
@@ -490,7 +568,8 @@ std::string temporaryPath(const std::string& suffix) {
     // On Windows the suffix is joined as written; elsewhere a leading backslash is the separator.
     if (!rest.empty() && rest.front() == '\\' && fs::path::preferred_separator == '/') rest.front() = '/';
     std::string folder = privateTemporaryFolder();
-    if (folder.empty()) folder = temporaryFolder();
+    // Never a shared name: without a private folder the name leads nowhere and the write fails.
+    if (folder.empty()) folder = joinPath(temporaryFolder(), "korvatek-unavailable");
     return folder + rest;
 }
 

@@ -72,6 +72,10 @@ inline bool isStandardOutput(std::string_view path) { return path == kStandardOu
 Status writeFile(const std::string& path, ByteView bytes, const std::vector<std::string>& inputs = {});
 Status writeFile(const std::string& path, std::string_view text, const std::vector<std::string>& inputs = {});
 
+// Removes the temporary file of a write that is under way; safe to call from a signal handler,
+// so that an interrupted run leaves nothing beside its target.
+void removePartialOutput();
+
 // The refusals of writeFile alone, for a caller that wants them before any work is done.
 Status checkOutput(const std::string& path, const std::vector<std::string>& inputs);
 

@@ -54,6 +54,27 @@ run convert 1.gpf2 -o 1.gpf2;                     expect_rc 1 "convert over its 
 same 1.gpf2 check.gpf2 "a replacement named as the output"
 run apply demo.bin ref.vkp -o ref.vkp;            expect_rc 1 "apply over its patch"
 [ "$(head -c 1 ref.vkp)" = ";" ] && pass || fail "the patch was replaced by the patched copy"
+# files read from a folder count as inputs too
+mkdir gf bf && cp 1.gpf2 gf/0001.gpf2 && cp 2.bmp bf/0002.bmp
+run patch demo.bin -o gf/0001.gpf2 --gpf-folder gf;        expect_rc 1 "patch over a file of its --gpf-folder"
+run patch demo.bin -o bf/0002.bmp --bmp-folder bf:16;      expect_rc 1 "patch over a file of its --bmp-folder"
+run font-patch demo.bin 0 -o bf/0002.bmp --bmp-folder bf;  expect_rc 1 "font-patch over a file of its folder"
+run make-font demo.bin 0 bf -o bf/0002.bmp;                expect_rc 1 "make-font over a file of its folder"
+same gf/0001.gpf2 1.gpf2 "a file of --gpf-folder"
+same bf/0002.bmp 2.bmp "a file of --bmp-folder"
+# the other tool's converter never deletes the patch it reads, whatever its name
+mkdir lc && cp ref.vkp lc/0001.gpf2
+(cd lc && "$CLI" lumbra 0001.gpf2 ../lo >/dev/null 2>&1)
+same lc/0001.gpf2 ref.vkp "lumbra reading a patch named like one of its outputs"
+# a replaced file keeps its permissions; a long name and a link that leads nowhere yet work
+echo "private" >private.vkp && chmod 600 private.vkp
+run patch demo.bin -o private.vkp 1=1.gpf2;      expect_rc 0 "patch over a private file"
+[ "$(stat -c %a private.vkp)" = 600 ] && pass || fail "a replaced private file became $(stat -c %a private.vkp)"
+long=$(printf 'L%.0s' $(seq 240)).vkp
+run patch demo.bin -o "$long" 1=1.gpf2;          expect_rc 0 "an output name of 244 characters"
+ln -s later.vkp dangling.vkp
+run patch demo.bin -o dangling.vkp 1=1.gpf2;     expect_rc 0 "-o a link to a file not there yet"
+[ -L dangling.vkp ] && [ -f later.vkp ] && pass || fail "the link was replaced instead of written through"
 
 # ---- folders, devices, pipes and standard output
 mkdir empty
@@ -114,6 +135,7 @@ ihdr = chunk(b'IHDR', struct.pack('>IIBBBBB', 1, 1, 8, 2, 0, 0, 0))
 open('pngs/huge-text.png', 'wb').write(sig + ihdr + chunk(b'tEXt', b'Comment\x00abc', 0x7FFFFFF0))
 EOF
 echo "someone else's" >"$TMP/temp.gpf2"
+mkdir "$TMP/korvatek-999999999-leftover"   # the private folder of a run that was killed
 for n in 0 1 2 3; do "$CLI" patch demo.bin -o "seq$n.vkp" "3=pngs/$n.png:16" 2>/dev/null; done
 for round in 1 2 3; do
     for n in 0 1 2 3; do "$CLI" patch demo.bin -o "par$n.vkp" "3=pngs/$n.png:16" 2>/dev/null & done
@@ -122,6 +144,9 @@ for round in 1 2 3; do
 done
 [ "$(cat "$TMP/temp.gpf2")" = "someone else's" ] && pass || fail "a shared temporary name was used"
 [ "$(ls "$TMP")" = "temp.gpf2" ] && pass || fail "temporary files stayed: $(ls "$TMP")"
+mkdir -p ms mo && cp 1.gpf2 ms/0001.gpf2 && echo "older block" >mo/0x01B07068.bin && mkfifo ms/0002.gpf2
+run make ms mo;                                  expect_rc 1 "make with a pipe among its containers"
+[ "$(cat mo/0x01B07068.bin)" = "older block" ] && pass || fail "make removed an older output before writing"
 
 # ---- inputs: pipes refused at once, sizes bounded, memory failure reported
 mkfifo pipe.bin pipe.vkp pipe.gpf2
@@ -182,6 +207,10 @@ run patch demo.bin -o a.vkp -o b.vkp 1=1.gpf2;   expect_rc 2 "-o given twice"
 [ ! -e a.vkp ] && [ ! -e b.vkp ] && pass || fail "-o given twice wrote a file"
 run patch demo.bin -o '' 1=1.gpf2;               expect_rc 2 "an empty -o"
 expect_err "-o needs a value" "an empty -o"
+run apply demo.bin '' -o e.bin;                  expect_rc 2 "an empty file name"
+run patch demo.bin -o nf.vkp --gpf-folder missing 1=1.gpf2; expect_rc 1 "a folder that is not there"
+expect_err "missing" "a folder that is not there"
+[ -f nf.vkp ] && pass || fail "the accepted replacement was not written beside a missing folder"
 
 unchanged "every case"
 no_parts "every case"
