@@ -9,6 +9,7 @@
 
 #include "base/file_io.h"
 #include "commands.h"
+#include "korvatek_version.h"
 #include "app/message_table.h"
 
 namespace korvatek::cli {
@@ -18,7 +19,8 @@ namespace {
 void printHelp(std::FILE* out) {
     std::fprintf(out, "usage: korvatek-cli COMMAND [ARGS...]\n\ncommands:\n");
     for (const Command& c : commands()) std::fprintf(out, "  %-12s %s\n", c.name, c.summary);
-    std::fprintf(out, "\n'korvatek-cli COMMAND --help' shows the arguments of a command.\n");
+    std::fprintf(out, "\n'korvatek-cli COMMAND --help' shows the arguments of a command;\n"
+                      "'korvatek-cli --version' the version.\n");
 }
 
 }  // namespace
@@ -97,6 +99,11 @@ int runCommandLine(const std::vector<std::string>& arguments) {
     const std::string& name = arguments[0];
     if (name == "--help" || name == "-h" || name == "help") {
         printHelp(stdout);
+        return 0;
+    }
+    if (name == "--version") {
+        std::printf("korvatek-cli %s%s%s%s\n", KORVATEK_VERSION, *KORVATEK_GIT_DESCRIPTION ? " (" : "",
+                    KORVATEK_GIT_DESCRIPTION, *KORVATEK_GIT_DESCRIPTION ? ")" : "");
         return 0;
     }
     Words words(arguments.begin() + 1, arguments.end());

@@ -80,6 +80,7 @@ build=$root/build-fuzz
 flags="-fsanitize=address,undefined -fno-sanitize-recover=undefined -fsanitize=fuzzer-no-link -fno-omit-frame-pointer"
 CC=clang CXX=clang++ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DKORVATEK_BUILD_FUZZ=ON -DKORVATEK_BUILD_TESTS=OFF -DKORVATEK_BUILD_BENCH=OFF -DKORVATEK_BUILD_GUI=OFF \
+  "-DKORVATEK_WERROR=${KORVATEK_WERROR:-OFF}" \
   "-DCMAKE_CXX_FLAGS=$flags" >/dev/null
 build_targets=(korvatek-cli)
 for t in "${targets[@]}"; do build_targets+=("${t}_fuzz"); done

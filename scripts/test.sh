@@ -9,17 +9,17 @@ jobs=$(nproc 2>/dev/null || echo 2)
 
 echo "== ordinary build and tests"
 build="$root/build-test"
-cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORVATEK_BUILD_BENCH=OFF >/dev/null
+cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORVATEK_BUILD_BENCH=OFF -DKORVATEK_WERROR=ON >/dev/null
 cmake --build "$build" -j "$jobs"
 (cd "$build" && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$jobs")
 
 echo "== fuzz targets, a short run each"
-bash "$root/scripts/fuzz.sh" "${KORVATEK_FUZZ_SECONDS:-6}"
+KORVATEK_WERROR=ON bash "$root/scripts/fuzz.sh" "${KORVATEK_FUZZ_SECONDS:-6}"
 
 echo "== the unit and command tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 # The fuzz build already carries both sanitizers on the whole core: the tests join it there.
 san="$root/build-fuzz"
-cmake -S "$root" -B "$san" -DKORVATEK_BUILD_TESTS=ON >/dev/null
+cmake -S "$root" -B "$san" -DKORVATEK_BUILD_TESTS=ON -DKORVATEK_WERROR=ON >/dev/null
 cmake --build "$san" -j "$jobs"
 (cd "$san" && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --output-on-failure -j "$jobs")

@@ -186,8 +186,8 @@ TEST(LanguageTables, ScriptsAreRight) {
 }
 
 TEST(LanguageTables, LanguageNamesAreInTheirOwnLanguage) {
-    const std::size_t first = static_cast<std::size_t>(CaptionKey::Option1);
-    auto names = [first](const LanguageTexts& t) {
+    static constexpr std::size_t first = static_cast<std::size_t>(CaptionKey::Option1);
+    auto names = [](const LanguageTexts& t) {
         return std::vector<std::string_view>(t.captions.begin() + first, t.captions.begin() + first + 5);
     };
     EXPECT_EQ(names(LanguageRU()),
