@@ -1,5 +1,6 @@
 #include "file_association_store.h"
 
+#include <QCoreApplication>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -18,6 +19,10 @@ std::unique_ptr<settings::AssociationStore> makeAssociationStore() {
     };
     auto store = std::make_unique<settings::FreedesktopAssociationStore>(
         location(QStandardPaths::GenericDataLocation), location(QStandardPaths::GenericConfigLocation));
+    // Installed (bin/korvatek beside share/), the package brings the file types and the entry.
+    const std::filesystem::path dataDir =
+        std::filesystem::path(toStdString(QCoreApplication::applicationDirPath())).parent_path() / "share";
+    if (settings::FreedesktopAssociationStore::holdsInstalledData(dataDir)) store->useInstalledData(dataDir);
     // The desktop reads MIME types from a cache: rebuild it when the tool is there.
     store->onPackagesChanged = [](const std::filesystem::path& mimeFolder) {
         const QString tool = QStandardPaths::findExecutable(QStringLiteral("update-mime-database"));

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libpng-dev libgtest-dev googletest libbenchmark-dev
-          qt6-base-dev python3 python3-pil)
+          qt6-base-dev python3 python3-pil help2man)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -13,6 +13,9 @@ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKORVATEK_BUIL
 cmake --build "$build" -j "$jobs"
 (cd "$build" && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$jobs")
 
+echo "== the Linux package: lintian, the unpacked programs, the desktop entry, metainfo, MIME types, manual pages"
+bash "$root/scripts/test-package.sh" "$build"
+
 echo "== fuzz targets, a short run each"
 KORVATEK_WERROR=ON bash "$root/scripts/fuzz.sh" "${KORVATEK_FUZZ_SECONDS:-6}"
 

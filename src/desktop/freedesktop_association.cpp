@@ -94,9 +94,24 @@ fs::path FreedesktopAssociationStore::desktopEntryPath() const {
 
 fs::path FreedesktopAssociationStore::mimeAppsPath() const { return m_configHome / "mimeapps.list"; }
 
+bool FreedesktopAssociationStore::holdsInstalledData(const fs::path& dataDir) {
+    std::error_code ec;
+    return fs::is_regular_file(dataDir / "mime" / "packages" / "korvatek.xml", ec) &&
+           fs::is_regular_file(dataDir / "applications" / kDesktopEntryName, ec);
+}
+
+fs::path FreedesktopAssociationStore::installedEntryPath() const {
+    return m_installedData / "applications" / kDesktopEntryName;
+}
+
 void FreedesktopAssociationStore::CreateAssociation(const CFileAssociation& association) {
     if (association.extension.empty() || association.fileType.empty()) return;
     const std::string type = mimeTypeOf(association.fileType);
+    if (!m_installedData.empty()) {
+        writeText(mimeAppsPath(),
+                  setKeyFileValue(readText(mimeAppsPath()), kDefaultsGroup, type, std::string(kDesktopEntryName) + ";"));
+        return;
+    }
 
     // The extension: a package whose glob maps it to the file type. (The desktop has no
     // counterpart of the "new file" entry, so newFileKind is not written.)
@@ -123,27 +138,41 @@ void FreedesktopAssociationStore::CreateAssociation(const CFileAssociation& asso
 
 void FreedesktopAssociationStore::CreateContextMenuItem(const std::string& fileType, const std::string& verb,
                                                         const std::string& command) {
-    // Only the "open" verb has a place in a desktop entry: its Exec line.
-    if (fileType.empty() || verb != "open") return;
+    // Only the "open" verb has a place in a desktop entry: its Exec line. An installed entry
+    // has its own.
+    if (fileType.empty() || verb != "open" || !m_installedData.empty()) return;
     writeText(desktopEntryPath(), setKeyFileValue(readText(desktopEntryPath()), kDesktopGroup, "Exec", command));
 }
 
 std::string FreedesktopAssociationStore::GetAssociatedCommand(const std::string& extension) const {
-    const std::string package = readText(packagePath(extension));
-    const std::string type = attributeValue(package, "type");
-    if (type.empty() || attributeValue(package, "pattern") != "*" + extension)
-        return kUnregisteredExtension + extension;
+    const std::string package = readText(m_installedData.empty() ? packagePath(extension)
+                                                                 : m_installedData / "mime" / "packages" / "korvatek.xml");
+    std::string type = attributeValue(package, "type");
+    if (!m_installedData.empty()) {  // the installed package holds all of Korvatek's types
+        const std::string gpf = mimeTypeOf(kGpfFileType);
+        type = package.find("type=\"" + gpf + "\"") != std::string::npos ? gpf : std::string();
+    }
+    const bool globbed = m_installedData.empty() ? attributeValue(package, "pattern") == "*" + extension
+                                                 : package.find("pattern=\"*" + extension + "\"") != std::string::npos;
+    if (type.empty() || !globbed) return kUnregisteredExtension + extension;
 
     const auto defaults = keyFileValue(readText(mimeAppsPath()), kDefaultsGroup, type);
     if (!defaults) return kTypeWithoutProgram;
     const std::string entryName = defaults->substr(0, defaults->find(';'));
     if (entryName.empty() || entryName.find('/') != std::string::npos) return kTypeWithoutProgram;
-    const auto exec = keyFileValue(readText(m_dataHome / "applications" / entryName), kDesktopGroup, "Exec");
+    fs::path entryPath = m_dataHome / "applications" / entryName;
+    std::error_code ec;
+    if (!m_installedData.empty() && entryName == kDesktopEntryName && !fs::exists(entryPath, ec))
+        entryPath = installedEntryPath();
+    const auto exec = keyFileValue(readText(entryPath), kDesktopGroup, "Exec");
     if (!exec) return kTypeWithoutProgram;
     return cutToCommandBuffer(*exec);
 }
 
 std::string FreedesktopAssociationStore::openCommandFor(const std::string& executablePath) const {
+    if (!m_installedData.empty()) {
+        if (const auto exec = keyFileValue(readText(installedEntryPath()), kDesktopGroup, "Exec")) return *exec;
+    }
     return desktopExecArgument(executablePath) + " %f";
 }
 

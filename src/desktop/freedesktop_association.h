@@ -38,9 +38,17 @@ public:
     // rebuilt (the window runs update-mime-database there).
     std::function<void(const std::filesystem::path&)> onPackagesChanged;
 
+    // An installed Korvatek (its data folder, e.g. /usr/share, holding the MIME package and the
+    // desktop entry) brings the file types and the entry with it: then only the user's default
+    // program is written, and the entry's Exec line is the open command.
+    void useInstalledData(std::filesystem::path dataDir) { m_installedData = std::move(dataDir); }
+    static bool holdsInstalledData(const std::filesystem::path& dataDir);
+
 private:
+    std::filesystem::path installedEntryPath() const;
     std::filesystem::path m_dataHome;
     std::filesystem::path m_configHome;
+    std::filesystem::path m_installedData;  // empty for a build run where it was made
 };
 
 // A desktop entry's Exec argument for a path: quoted and escaped as key files and Exec lines

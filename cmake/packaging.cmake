@@ -1,0 +1,20 @@
+# Packages made by CPack from the install rules: a .deb on Linux (dependencies computed by
+# dpkg-shlibdeps from the programs themselves, the version from the project's).
+set(CPACK_PACKAGE_NAME korvatek)
+set(CPACK_PACKAGE_VENDOR "The Korvatek developers")
+set(CPACK_PACKAGE_CONTACT "Korvatek developers <korvatek@example.org>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "picture and font editor for E71 and EL71 fullflash dumps")
+set(CPACK_PACKAGE_DESCRIPTION
+    "Korvatek opens a dump of a BenQ-Siemens E71 or EL71 phone's whole flash,\nlists its firmware pictures and font glyphs, shows and exports them, takes\nreplacements as BMP, PNG or GPF containers, and writes the changes as\nV_Klay patches for a flasher. It never writes to the dump itself.\nThe package holds the window (korvatek) and the command line (korvatek-cli).")
+set(CPACK_PACKAGE_HOMEPAGE_URL "https://korvatek.example.org/")
+set(CPACK_STRIP_FILES ON)
+if(UNIX AND NOT APPLE)
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+  set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)
