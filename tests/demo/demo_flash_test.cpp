@@ -9,11 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "demo/demo_canvas.h"
 #include "demo/demo_flash.h"
-#include "demo/demo_fonts.h"
-#include "demo/demo_glyph_shapes.h"
 #include "demo/demo_picture_encoding.h"
+#include "demo/demo_fonts.h"
 #include "demo/demo_pictures.h"
 #include "firmware/layout.h"
 
@@ -191,30 +189,6 @@ TEST_F(DemoFlashTest, GlyphRecordsLieWhereTheReaderLooksAndKeepTheirRoom) {
     for (std::size_t k = 1; k < spans.size(); ++k) ASSERT_LE(spans[k - 1].second, spans[k].first) << k;
 }
 
-TEST_F(DemoFlashTest, AsciiGlyphsHaveInkAndAreAllDifferent) {
-    for (int scale = 1; scale <= 3; ++scale) {
-        std::set<std::string> seen;
-        for (int code = 0x21; code <= 0x7E; ++code) {
-            const DemoGlyph g = makeDemoGlyph(code, scale);
-            EXPECT_GT(g.width, 0) << code;
-            EXPECT_GT(g.height, 0) << code;
-            std::string key(g.bitmap.begin(), g.bitmap.end());
-            key += static_cast<char>(g.width);
-            key += static_cast<char>(g.height);
-            key += static_cast<char>(g.spaceBelow);
-            EXPECT_TRUE(seen.insert(key).second) << "glyph " << code << " repeats another at scale " << scale;
-        }
-        const DemoGlyph space = makeDemoGlyph(0x20, scale);
-        EXPECT_EQ(space.width, 0);
-        EXPECT_GT(space.advance, 0);
-    }
-    // '!' is 1 pixel wide: the seven bits after it are set, on ink rows and on paper rows
-    const DemoGlyph bar = makeDemoGlyph('!', 1);
-    ASSERT_EQ(bar.width, 1);
-    EXPECT_EQ(bar.bitmap[0], 0xFF);
-    EXPECT_EQ(bar.bitmap[5], 0x7F);
-}
-
 TEST_F(DemoFlashTest, OrdinaryPicturesAreStoredAsTheirRecordsSay) {
     std::map<std::uint8_t, int> typeCount;
     std::set<std::uint8_t> keyed;
@@ -304,97 +278,6 @@ TEST_F(DemoFlashTest, ErasedFlashOnlyWhereReplacedPicturesGo) {
         run = (!excluded && image()[at] == 0xFF) ? run + 1 : 0;
         ASSERT_LT(run, 16U) << std::hex << "0xFF run ending at " << at;
     }
-}
-
-TEST(DemoRunLengthTest, RunsNeverExceed127AndCrossNothingButSamples) {
-    Bytes samples;
-    for (int k = 0; k < 300; ++k) samples.insert(samples.end(), {0x12, 0x34});                       // 300 equal
-    for (int k = 0; k < 130; ++k) samples.insert(samples.end(), {static_cast<std::uint8_t>(k), 0});  // 130 different
-    samples.insert(samples.end(), {0x55, 0x55});  // one alone at the end
-    const Bytes out = runLengthEncode(samples, 2);
-    const Bytes expectedStart = {127, 0x12, 0x34, 127, 0x12, 0x34, 46, 0x12, 0x34, 129};
-    ASSERT_GE(out.size(), expectedStart.size());
-    EXPECT_EQ(Bytes(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(expectedStart.size())), expectedStart);
-    const Walk walk = walkPicture(out, 431, 1, 0x88);
-    EXPECT_TRUE(walk.complete);
-    EXPECT_EQ(walk.consumed, out.size());
-    Bytes back;
-    for (std::uint32_t s : walk.samples)
-        back.insert(back.end(), {static_cast<std::uint8_t>(s), static_cast<std::uint8_t>(s >> 8)});
-    EXPECT_EQ(back, samples);
-}
-
-TEST(DemoPictureEncodingTest, TransparentKeysOnlyWhereThePictureIsClear) {
-    DemoCanvas c(3, 1, Rgba{218, 0, 0, 255});  // this red is the 8-bit key colour, 0xC0
-    c.set(1, 0, kClear);
-    c.set(2, 0, Rgba{229, 0, 0, 255});  // and this the 16-bit one, 0xE000 (and 0xC0 in 8 bits)
-    EXPECT_EQ(encodeDemoPicture(c, 0x05, true, false), (Bytes{0xC4, 0xC0, 0xC4}));
-    EXPECT_EQ(encodeDemoPicture(c, 0x05, false, false)[1], 0x00) << "unkeyed: a clear pixel is black";
-    const Bytes sixteen = encodeDemoPicture(c, 0x08, true, false);
-    EXPECT_EQ(Bytes(sixteen.begin() + 2, sixteen.begin() + 4), (Bytes{0x00, 0xE0}));
-    EXPECT_EQ(Bytes(sixteen.begin() + 4, sixteen.end()), (Bytes{0x01, 0xE0}));
-    const Bytes twelve = encodeDemoPicture(c, 0x07, true, false);
-    EXPECT_EQ(twelve, (Bytes{0x00, 0x0D, 0xAA, 0xFA, 0x00, 0x0D}));  // top nibble 0: never the key
-}
-
-TEST(DemoPictureEncodingTest, TrueColourKeepsAlphaAndClearsFullyTransparentPixels) {
-    DemoCanvas c(2, 1, Rgba{0x30, 0x20, 0x10, 0x80});
-    c.set(1, 0, Rgba{0x30, 0x20, 0x10, 0});
-    EXPECT_EQ(encodeDemoPicture(c, 0x0A, false, false), (Bytes{0x10, 0x20, 0x30, 0x80, 0, 0, 0, 0}));
-    EXPECT_EQ(encodeDemoPicture(c, 0x8A, false, false), (Bytes{0xFE, 0x10, 0x20, 0x30, 0x80, 0, 0, 0, 0}));
-}
-
-TEST(DemoPictureEncodingTest, MonochromeRowsStartOnAByteAndPadWithSetBits) {
-    DemoCanvas c(9, 2, Rgba{255, 255, 255, 255});
-    c.set(0, 0, Rgba{0, 0, 0, 255});
-    c.set(8, 1, Rgba{250, 200, 40, 255});  // a yellow shape still inks
-    EXPECT_EQ(encodeDemoPicture(c, 0x01, true, false), (Bytes{0x80, 0x7F, 0x00, 0xFF}));
-}
-
-TEST(DemoDrawingTest, IntegerHelpersAreExact) {
-    for (std::uint64_t n : {0ULL, 1ULL, 2ULL, 15ULL, 16ULL, 17ULL, 1000000ULL, 4294967295ULL}) {
-        const std::uint64_t r = isqrt(n);
-        EXPECT_LE(r * r, n);
-        EXPECT_GT((r + 1) * (r + 1), n);
-    }
-    EXPECT_EQ(isin(0), 0);
-    EXPECT_EQ(isin(64), 1024);
-    EXPECT_EQ(icos(0), 1024);
-    for (int a = 0; a < 256; ++a) {
-        EXPECT_EQ(isin(a + 128), -isin(a));
-        EXPECT_EQ(isin(a - 256), isin(a));
-    }
-}
-
-TEST(DemoDrawingTest, SmoothScalingKeepsSolidAreasAndRoundsDiagonals) {
-    DemoBitmap block(3, 3);
-    for (int k = 0; k < 9; ++k) block.set(k % 3, k / 3, true);
-    for (int factor : {2, 3}) {
-        const DemoBitmap big = scaleSmooth(block, factor);
-        ASSERT_EQ(big.width, 3 * factor);
-        ASSERT_EQ(big.height, 3 * factor);
-        for (int y = 1; y < big.height - 1; ++y)
-            for (int x = 1; x < big.width - 1; ++x) EXPECT_TRUE(big.at(x, y)) << factor << ' ' << x << ' ' << y;
-        EXPECT_FALSE(big.at(0, 0)) << "outer corners are rounded off";
-    }
-    DemoBitmap diagonal(2, 2);
-    diagonal.set(0, 0, true);
-    diagonal.set(1, 1, true);
-    const DemoBitmap smooth = scaleSmooth(diagonal, 2);
-    EXPECT_TRUE(smooth.at(2, 1) && smooth.at(1, 2)) << "the step between the two pixels is filled";
-}
-
-TEST(DemoDrawingTest, CharactersBeyondAsciiAreLetterVariants) {
-    const DemoBitmap a = glyphShape('A');
-    const DemoBitmap acute = glyphShape(0x80);  // A with an acute accent
-    for (int y = kShapeCapTop; y < kShapeHeight; ++y)
-        for (int x = 0; x < kShapeWidth; ++x) EXPECT_EQ(acute.at(x, y), a.at(x, y));
-    EXPECT_TRUE(acute.at(3, 0) && acute.at(2, 1));
-    const DemoBitmap mirrored = glyphShape(0x80 + 9 * 52 + ('R' - 'A'));  // a backwards R
-    const DemoBitmap r = glyphShape('R');
-    for (int y = 0; y < kShapeHeight; ++y)
-        for (int x = 0; x < kShapeWidth; ++x) EXPECT_EQ(mirrored.at(x, y), r.at(kShapeWidth - 1 - x, y));
-    EXPECT_NE(glyphShape(1).ink, glyphShape(2).ink);  // control codes: boxes that differ
 }
 
 }  // namespace
