@@ -7,9 +7,10 @@ function __korvatek_cli_files
     set -l token (commandline -ct)
     set -l prefix (string replace -r '[^=:]*$' '' -- $token)
     set -l path (string replace -r '^.*[=:]' '' -- $token)
-    for file in (__fish_complete_path $path)
-        if string match -q -- '*/' $file
-            echo $prefix$file
+    set -l candidates $path*
+    for file in $candidates
+        if test -d $file
+            echo $prefix$file/
         else if set -q argv[1]; and string match -qir -- '\.('(string join '|' $argv)')$' $file
             echo $prefix$file
         end
@@ -98,11 +99,11 @@ complete -c korvatek-cli -n '__fish_seen_subcommand_from patch; and string match
 complete -c korvatek-cli -n '__fish_seen_subcommand_from font-patch; and string match -qr "^[0-9]+=" -- (commandline -ct)' -a '(__korvatek_cli_files bmp)'
 
 # Options
-complete -c korvatek-cli -n '__fish_seen_subcommand_from export' -s o -r -a '(__korvatek_cli_files gpf2 bmp)' -d 'File to write'
-complete -c korvatek-cli -n '__fish_seen_subcommand_from patch font-size font-patch make-font' -s o -r -a '(__korvatek_cli_files vkp)' -d 'Patch to write'
-complete -c korvatek-cli -n '__fish_seen_subcommand_from apply' -s o -r -a '(__korvatek_cli_files bin)' -d 'Patched copy to write'
-complete -c korvatek-cli -n '__fish_seen_subcommand_from decode glyph' -s o -r -a '(__korvatek_cli_files bmp)' -d 'BMP to write'
-complete -c korvatek-cli -n '__fish_seen_subcommand_from encode' -s o -r -a '(__korvatek_cli_files gpf2 gpf)' -d 'Container to write'
+complete -c korvatek-cli -n '__fish_seen_subcommand_from export' -s o -x -a '(__korvatek_cli_files gpf2 bmp)' -d 'File to write'
+complete -c korvatek-cli -n '__fish_seen_subcommand_from patch font-size font-patch make-font' -s o -x -a '(__korvatek_cli_files vkp)' -d 'Patch to write'
+complete -c korvatek-cli -n '__fish_seen_subcommand_from apply' -s o -x -a '(__korvatek_cli_files bin)' -d 'Patched copy to write'
+complete -c korvatek-cli -n '__fish_seen_subcommand_from decode glyph' -s o -x -a '(__korvatek_cli_files bmp)' -d 'BMP to write'
+complete -c korvatek-cli -n '__fish_seen_subcommand_from encode' -s o -x -a '(__korvatek_cli_files gpf2 gpf)' -d 'Container to write'
 complete -c korvatek-cli -n '__fish_seen_subcommand_from convert' -s o -r -F -d 'File to write'
 complete -c korvatek-cli -n '__fish_seen_subcommand_from export glyph' -l dir -x -a '(__fish_complete_directories)' -d 'Folder for all of them'
 complete -c korvatek-cli -n '__fish_seen_subcommand_from export' -l format -x -a 'gpf2 bmp' -d 'Container for all pictures'
