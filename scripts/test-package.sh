@@ -36,7 +36,7 @@ usr=$scratch/root/usr
 "$usr/bin/korvatek-cli" info "$scratch/demo.bin"
 
 desktop-file-validate "$usr/share/applications/korvatek.desktop"
-appstreamcli validate --no-net "$usr/share/metainfo/"*.xml
+appstreamcli validate-tree --no-net "$scratch/root"
 xmllint --noout "$usr/share/mime/packages/korvatek.xml"
 for page in "$usr/share/man/man1/"*.1.gz; do
   MANWIDTH=80 man -l "$page" >"$scratch/page.txt" 2>"$scratch/page.err"
