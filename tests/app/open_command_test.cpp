@@ -1,12 +1,12 @@
 // Opening files: identification, refusals, the command line at start-up.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "firmware/layout.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -148,9 +148,7 @@ TEST(StartUp, theStoredLanguageIsAppliedAfterTheCommandLineFile) {
 
 TEST(StartUp, temporaryFilesAreClearedFromTmp) {
     const std::string folder = testing::testFolder();
-    const char* old = std::getenv("TMP");
-    const std::string saved = old ? old : "";
-    setenv("TMP", folder.c_str(), 1);
+    const testing::ScopedEnvironment tmp("TMP", folder);
     EXPECT_EQ(temporaryPath("/Korvatek.temp"), folder + "/Korvatek.temp");
     for (const auto& suffix : Workspace::temporaryFileSuffixes()) ASSERT_TRUE(writeFile(folder + suffix, std::string("x")).ok());
     ScriptedInterface ui;
@@ -159,10 +157,6 @@ TEST(StartUp, temporaryFilesAreClearedFromTmp) {
     ws.startUp("", store);
     for (const auto& suffix : Workspace::temporaryFileSuffixes())
         EXPECT_FALSE(std::filesystem::exists(folder + suffix)) << suffix;
-    if (old)
-        setenv("TMP", saved.c_str(), 1);
-    else
-        unsetenv("TMP");
 }
 
 }  // namespace korvatek::app
