@@ -115,8 +115,8 @@ session() {  # DIR PROGRAM: the commands run in DIR; what they print goes to DIR
     step info "демо прошивка.bin"
     step pictures "демо прошивка.bin" | md5sum
     step export "демо прошивка.bin" all --dir "картинки" --format bmp | md5sum
-    step export "демо прошивка.bin" 5 -o "пять.gpf2"
-    step patch "демо прошивка.bin" -o "замена.vkp" 12="пять.gpf2"
+    step export "демо прошивка.bin" 1 -o "один.gpf2"
+    step patch "демо прошивка.bin" -o "замена.vkp" 12="один.gpf2"
     step apply "демо прошивка.bin" "замена.vkp" -o "прошивка с заменой.bin"
     step info "$dir/прошивка с заменой.bin"
   } > "$dir.log" 2>&1
