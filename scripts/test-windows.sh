@@ -139,7 +139,11 @@ if ! diff <(session_summary "$out/session/plain") <(session_summary "$cyrillic")
   diff <(session_summary "$out/session/plain") <(session_summary "$cyrillic") | head -n 20 || true
   session_failed=1
 fi
-[ "$(find "$cyrillic" -type f | wc -l)" -ge 1705 ] || { echo "FAIL: files missing in '$cyrillic'"; session_failed=1; }
+if [ "$(find "$cyrillic" -type f | wc -l)" -lt 1705 ]; then
+  echo "FAIL: files missing in '$cyrillic'; the programs said:"
+  head -n 5 "$cyrillic.log"
+  session_failed=1
+fi
 linux_cli=${KORVATEK_LINUX_CLI:-$root/build-test/cli/korvatek-cli}
 if [ -x "$linux_cli" ]; then
   session "$out/session/linux" "$linux_cli"
