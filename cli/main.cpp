@@ -135,6 +135,27 @@ int runCommandLine(const std::vector<std::string>& arguments) {
 
 }  // namespace korvatek::cli
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+
+#include <filesystem>
+
+#include "base/file_io.h"
+
+// Windows hands the arguments over as UTF-16 (the narrow argv would be in the local code page,
+// with '?' for any letter outside it): each becomes UTF-8 text like everywhere else. Output is
+// written in binary mode, so that lines end in LF as on every other system and the files whose
+// format asks for CR LF get exactly the bytes they hold.
+int wmain(int argc, wchar_t** argv) {
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) arguments.push_back(korvatek::app::pathText(std::filesystem::path(argv[i])));
+    return korvatek::cli::runCommandLine(arguments);
+}
+#else
 int main(int argc, char** argv) {
     return korvatek::cli::runCommandLine(std::vector<std::string>(argv + 1, argv + argc));
 }
+#endif

@@ -13,11 +13,16 @@
 #include <string>
 #include <vector>
 
+#ifdef _WIN32
+#include <process.h>
+#else
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#endif
 
 #include "base/bytes.h"
+#include "base/file_io.h"
 #include "demo/demo_flash.h"
 
 namespace korvatek::fuzz {
@@ -31,6 +36,15 @@ struct Piece {
 class SplicedFlash {
 public:
     SplicedFlash() : m_pristine(firmware::makeDemoFlash()) {
+#ifdef _WIN32
+        // No anonymous memory files here: a temporary file, kept open for writing while the
+        // Workspace opens it by name (the C runtime shares it for reading).
+        m_path = app::pathText(std::filesystem::temp_directory_path() /
+                               ("korvatek-fuzz-flash-" + std::to_string(_getpid()) + ".bin"));
+        m_file = _wfopen(app::toPath(m_path).c_str(), L"w+b");
+        if (m_file == nullptr) std::abort();
+        m_unlink = true;
+#else
         m_fd = ::memfd_create("korvatek-fuzz-flash", 0);
         if (m_fd >= 0) {
             m_path = "/proc/self/fd/" + std::to_string(m_fd);
@@ -41,11 +55,17 @@ public:
             m_path = name;
             m_unlink = true;
         }
+#endif
         writeAt(0, m_pristine.data(), m_pristine.size());
     }
     ~SplicedFlash() {
+#ifdef _WIN32
+        std::fclose(m_file);
+#else
         ::close(m_fd);
-        if (m_unlink) ::unlink(m_path.c_str());
+#endif
+        std::error_code ignored;
+        if (m_unlink) std::filesystem::remove(app::toPath(m_path), ignored);
     }
     SplicedFlash(const SplicedFlash&) = delete;
     SplicedFlash& operator=(const SplicedFlash&) = delete;
@@ -67,6 +87,12 @@ public:
 
 private:
     void writeAt(std::uint64_t offset, const std::uint8_t* data, std::size_t size) {
+#ifdef _WIN32
+        // Flushed at once, so that the Workspace's own open of the file reads the new bytes.
+        if (_fseeki64(m_file, static_cast<long long>(offset), SEEK_SET) != 0 ||
+            std::fwrite(data, 1, size, m_file) != size || std::fflush(m_file) != 0)
+            std::abort();
+#else
         while (size > 0) {
             const ssize_t n = ::pwrite(m_fd, data, size, static_cast<off_t>(offset));
             if (n <= 0) std::abort();
@@ -74,10 +100,15 @@ private:
             size -= static_cast<std::size_t>(n);
             offset += static_cast<std::uint64_t>(n);
         }
+#endif
     }
 
     Bytes m_pristine;
+#ifdef _WIN32
+    std::FILE* m_file = nullptr;
+#else
     int m_fd = -1;
+#endif
     std::string m_path;
     bool m_unlink = false;
     std::vector<std::pair<std::uint64_t, std::size_t>> m_dirty;
@@ -87,12 +118,20 @@ private:
 inline const std::string& scratchFolder() {
     // Never destroyed, so the exit handler can still use it.
     static const std::string* folder = [] {
+#ifdef _WIN32
+        auto* name = new std::string(app::pathText(std::filesystem::temp_directory_path() /
+                                                   ("korvatek-fuzz-" + std::to_string(_getpid()))));
+        std::error_code failed;
+        std::filesystem::create_directories(app::toPath(*name), failed);
+        if (failed) std::abort();
+#else
         const char* base = ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
         auto* name = new std::string(std::string(base) + "/korvatek-fuzz-XXXXXX");
         if (::mkdtemp(name->data()) == nullptr) std::abort();
+#endif
         std::atexit([] {
             std::error_code ignored;
-            std::filesystem::remove_all(scratchFolder(), ignored);
+            std::filesystem::remove_all(app::toPath(scratchFolder()), ignored);
         });
         return name;
     }();
@@ -102,7 +141,11 @@ inline const std::string& scratchFolder() {
 // Writes bytes to a file of the scratch folder and returns its path.
 inline std::string scratchFile(const std::string& name, const std::uint8_t* data, std::size_t size) {
     const std::string path = scratchFolder() + "/" + name;
+#ifdef _WIN32
+    std::FILE* f = _wfopen(app::toPath(path).c_str(), L"wb");
+#else
     std::FILE* f = std::fopen(path.c_str(), "wb");
+#endif
     if (f == nullptr) std::abort();
     if (size > 0 && std::fwrite(data, 1, size, f) != size) std::abort();
     std::fclose(f);

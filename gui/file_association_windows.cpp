@@ -18,9 +18,11 @@ QString defaultValueOf(const std::string& key) { return toQString(key) + QString
 
 class RegistryAssociationStore : public settings::AssociationStore {
 public:
-    explicit RegistryAssociationStore(std::string executable)
+    RegistryAssociationStore(std::string executable, const std::string& classesKey)
         : m_executable(std::move(executable)),
-          m_classes(QStringLiteral("HKEY_CURRENT_USER\\Software\\Classes"), QSettings::NativeFormat) {}
+          m_classes(classesKey.empty() ? QStringLiteral("HKEY_CURRENT_USER\\Software\\Classes") : toQString(classesKey),
+                    QSettings::NativeFormat),
+          m_readRoot(classesKey.empty() ? QStringLiteral("HKEY_CLASSES_ROOT") : toQString(classesKey)) {}
 
     void CreateAssociation(const settings::CFileAssociation& a) override {
         if (a.extension.empty() || a.fileType.empty()) return;
@@ -43,7 +45,7 @@ public:
     }
 
     std::string GetAssociatedCommand(const std::string& extension) const override {
-        const QSettings root(QStringLiteral("HKEY_CLASSES_ROOT"), QSettings::NativeFormat);
+        const QSettings root(m_readRoot, QSettings::NativeFormat);
         const QString fileType = root.value(defaultValueOf(extension)).toString();
         if (fileType.isEmpty()) return settings::kUnregisteredExtension + extension;
         const QString command = root.value(defaultValueOf(toStdString(fileType) + "/shell/open/command")).toString();
@@ -56,12 +58,14 @@ public:
 private:
     std::string m_executable;
     QSettings m_classes;
+    QString m_readRoot;
 };
 
 }  // namespace
 
-std::unique_ptr<settings::AssociationStore> makeRegistryAssociationStore(const std::string& executablePath) {
-    return std::make_unique<RegistryAssociationStore>(executablePath);
+std::unique_ptr<settings::AssociationStore> makeRegistryAssociationStore(const std::string& executablePath,
+                                                                         const std::string& classesKey) {
+    return std::make_unique<RegistryAssociationStore>(executablePath, classesKey);
 }
 
 }  // namespace korvatek::gui

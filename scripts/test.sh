@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Sets up what is missing, builds everything and runs every test: the ordinary build with the
 # window's tests; every fuzz target for a few seconds (clang, AddressSanitizer and
-# UndefinedBehaviorSanitizer); and the unit and command tests again in that sanitized build.
+# UndefinedBehaviorSanitizer); the unit and command tests again in that sanitized build; and the
+# Windows build under wine (scripts/test-windows.sh; KORVATEK_SKIP_WINDOWS=1 leaves it out).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/scripts/setup.sh"
@@ -26,3 +27,8 @@ cmake -S "$root" -B "$san" -DKORVATEK_BUILD_TESTS=ON -DKORVATEK_WERROR=ON >/dev/
 cmake --build "$san" -j "$jobs"
 (cd "$san" && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --output-on-failure -j "$jobs")
+
+if [ "${KORVATEK_SKIP_WINDOWS:-0}" != 1 ]; then
+  echo "== the Windows build under wine"
+  KORVATEK_LINUX_CLI="$build/cli/korvatek-cli" bash "$root/scripts/test-windows.sh"
+fi

@@ -1,13 +1,13 @@
 // The Fonts tab's commands on the demo fullflash.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "demo/demo_flash.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -29,8 +29,8 @@ struct Fonts {
     ScriptedInterface ui;
     Workspace ws{ui};
     std::string folder = testing::testFolder();
+    testing::ScopedEnvironment tmp{"TMP", folder};
     explicit Fonts(int font = 0) {
-        setenv("TMP", folder.c_str(), 1);
         ws.PathGiven = true;
         ws.CommandLinePath = demoPath();
         ws.mnu_FileOpen();
@@ -38,7 +38,6 @@ struct Fonts {
         ws.Ftype_Click(font);
         ui.messages.clear();
     }
-    ~Fonts() { unsetenv("TMP"); }
     // A 24-bit BMP of width x height, white with an ink rectangle [x0, x1) x [y0, y1).
     std::string bitmap(const std::string& name, int width, int height, int x0, int y0, int x1, int y1) {
         codec::PixelCanvas c;

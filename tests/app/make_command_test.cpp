@@ -1,13 +1,13 @@
 // The Make tool: the picture area and its index table rebuilt from a folder of containers.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "containers/gpf_header.h"
 #include "firmware/layout.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -25,13 +25,12 @@ struct Make {
     Workspace ws{ui};
     std::string source = testing::testFolder() + "/source";
     std::string output = testing::testFolder() + "/output";
+    testing::ScopedEnvironment tmp{"TMP", output};
     Make() {
         std::filesystem::create_directories(source);
         std::filesystem::create_directories(output);
-        setenv("TMP", output.c_str(), 1);
         ws.ShowReplaceMessage = false;
     }
-    ~Make() { unsetenv("TMP"); }
     void put(const std::string& name, bool v2, int width, int height, std::size_t dataLength) {
         Bytes file = containers::SaveGPFhead(v2, width, height, std::string{'\x88', '\0'});
         file.resize(file.size() + dataLength, 0x5A);

@@ -1,12 +1,12 @@
 // Opening files: identification, refusals, the command line at start-up.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "firmware/layout.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -148,17 +148,17 @@ TEST(StartUp, theStoredLanguageIsAppliedAfterTheCommandLineFile) {
 
 TEST(StartUp, temporaryFilesLiveInAPrivateFolderInsideTmp) {
     const std::string folder = testing::testFolder();
-    const char* old = std::getenv("TMP");
-    const std::string saved = old ? old : "";
-    setenv("TMP", folder.c_str(), 1);
+    const testing::ScopedEnvironment tmp("TMP", folder);
     // Another user's file under the old shared name is neither read nor removed.
     ASSERT_TRUE(writeFile(folder + "/temp.gpf2", std::string("theirs")).ok());
     const std::string own = temporaryPath("/Korvatek.temp");
     const std::string privateFolder = privateTemporaryFolder();
     EXPECT_EQ(own, privateFolder + "/Korvatek.temp");
     EXPECT_EQ(privateFolder.rfind(folder + "/korvatek-", 0), 0u) << privateFolder;
+#ifndef _WIN32
     const auto permissions = std::filesystem::status(privateFolder).permissions();
     EXPECT_EQ(permissions & std::filesystem::perms::all, std::filesystem::perms::owner_all);
+#endif
 
     for (const auto& suffix : Workspace::temporaryFileSuffixes()) ASSERT_TRUE(writeFile(temporaryPath(suffix), std::string("x")).ok());
     ScriptedInterface ui;
@@ -170,10 +170,6 @@ TEST(StartUp, temporaryFilesLiveInAPrivateFolderInsideTmp) {
     EXPECT_TRUE(std::filesystem::exists(folder + "/temp.gpf2"));
     removePrivateTemporaryFolder();
     EXPECT_FALSE(std::filesystem::exists(privateFolder));
-    if (old)
-        setenv("TMP", saved.c_str(), 1);
-    else
-        unsetenv("TMP");
 }
 
 }  // namespace korvatek::app

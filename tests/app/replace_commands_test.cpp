@@ -1,12 +1,12 @@
 // Replacing pictures and collecting the picture patch.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "containers/gpf_header.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -43,16 +43,14 @@ std::string container(const std::string& name, int width, int height, std::uint8
 struct Session {
     ScriptedInterface ui;
     Workspace ws{ui};
-    std::string tmp;
+    std::string tmp = testing::testFolder() + "/tmp";
+    testing::ScopedEnvironment tmpVariable{"TMP", tmp};
     Session() {
-        tmp = testing::testFolder() + "/tmp";
         std::filesystem::create_directories(tmp);
-        setenv("TMP", tmp.c_str(), 1);
         ui.openFiles.push_back(replaceFlash().writeTo("replace.bin"));
         ws.mnu_FileOpen();
         ui.messages.clear();
     }
-    ~Session() { unsetenv("TMP"); }
     void replace(int n, const std::string& path) {
         ws.selectPicture(n);
         ws.ListView1_Click();

@@ -1,13 +1,13 @@
 // The Tools menu's encoders and converters.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "containers/dat_header.h"
 #include "containers/gpf_header.h"
+#include "support/environment.h"
 #include "support/flash_builder.h"
 
 namespace korvatek::app {
@@ -171,8 +171,7 @@ TEST(GpfAkaDat, lengthsAndTheTypeByteCarriedAsData) {
 }
 
 TEST(Placeholders, emptyPicturesInTheTemporaryFolder) {
-    const std::string saved = std::getenv("TMP") ? std::getenv("TMP") : "";
-    setenv("TMP", folder().c_str(), 1);
+    const testing::ScopedEnvironment tmp("TMP", folder());
     Tool t;
     const Bytes gpf2 = readAll(t.ws.MakeEmptyGPF2());
     ASSERT_EQ(gpf2.size(), 48u);
@@ -182,10 +181,6 @@ TEST(Placeholders, emptyPicturesInTheTemporaryFolder) {
     EXPECT_EQ(bmp[2], 0);   // size fields left 0
     EXPECT_EQ(bmp[18], 1);
     EXPECT_EQ(bmp[28], 24);
-    if (saved.empty())
-        unsetenv("TMP");
-    else
-        setenv("TMP", saved.c_str(), 1);
 }
 
 }  // namespace korvatek::app

@@ -1,4 +1,5 @@
 // The window's side of the person-facing seam: filters, boxes, questions, input and progress.
+#include <QDir>
 #include <QTest>
 
 #include "qt_user_interface.h"
@@ -57,8 +58,9 @@ private slots:
             {"Choose file GPF:", "GPF", "Graphic Patch File 2(*.gpf2)|*.gpf2", "0005.gpf2"});
         QCOMPARE(answers.dialogTitles.value(0), QStringLiteral("Choose file GPF:"));
         QCOMPARE(answers.dialogFilters.value(0), QStringLiteral("Graphic Patch File 2 (*.gpf2)"));
-        // A name typed without its extension gets the filter's.
-        QCOMPARE(chosen, std::optional<std::string>((folder + "/0005.gpf2").toStdString()));
+        // A name typed without its extension gets the filter's; the path comes in the system's
+        // own form (backslashes on Windows), as the core writes it into messages.
+        QCOMPARE(chosen, std::optional<std::string>(QDir::toNativeSeparators(folder + "/0005.gpf2").toStdString()));
         QCOMPARE(ui.lastFolder(), folder);
         QCOMPARE(ui.chooseOpenFile({"Choose file fullflash:", "fullflash", "All files|*.*", ""}), std::nullopt);
     }
