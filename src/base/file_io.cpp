@@ -73,8 +73,10 @@ std::string randomSuffix() {
 #ifdef _WIN32
 int currentProcessId() { return static_cast<int>(::GetCurrentProcessId()); }
 bool processIsRunning(int pid) {
+    // Another user's process cannot be asked; its files in our folders could not be removed
+    // while it writes them anyway (they are open without sharing).
     HANDLE process = ::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(pid));
-    if (process == nullptr) return ::GetLastError() == ERROR_ACCESS_DENIED;
+    if (process == nullptr) return false;
     DWORD code = 0;
     const bool running = ::GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
     ::CloseHandle(process);

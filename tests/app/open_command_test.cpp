@@ -154,7 +154,7 @@ TEST(StartUp, temporaryFilesLiveInAPrivateFolderInsideTmp) {
     const std::string own = temporaryPath("/Korvatek.temp");
     const std::string privateFolder = privateTemporaryFolder();
     EXPECT_EQ(own, privateFolder + "/Korvatek.temp");
-    EXPECT_EQ(privateFolder.rfind(folder + "/korvatek-", 0), 0u) << privateFolder;
+    EXPECT_EQ(privateFolder.rfind(joinPath(folder, "korvatek-"), 0), 0u) << privateFolder;
 #ifndef _WIN32
     const auto permissions = std::filesystem::status(privateFolder).permissions();
     EXPECT_EQ(permissions & std::filesystem::perms::all, std::filesystem::perms::owner_all);

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -18,38 +19,44 @@ namespace {
 
 namespace fs = std::filesystem;
 
+#ifndef _WIN32
 std::size_t entriesIn(const std::string& folder) {
     std::size_t n = 0;
     for ([[maybe_unused]] const auto& e : fs::directory_iterator(folder)) ++n;
     return n;
 }
+#endif
 
 TEST(Outputs, neverReplaceAnInputOrAFolder) {
     const std::string folder = testing::testFolder();
     const std::string input = folder + "/flash.bin";
     ASSERT_TRUE(writeFile(input, std::string("firmware")).ok());
-    fs::create_symlink(input, folder + "/link.bin");
     fs::create_directory(folder + "/sub");
 
-    // The same file under its own name, another spelling and a link.
-    for (const std::string& output : {input, folder + "/sub/../flash.bin", folder + "/link.bin"}) {
+    // The same file under its own name and another spelling (and a link, where there are links).
+    std::vector<std::string> names{input, folder + "/sub/../flash.bin"};
+#ifndef _WIN32
+    fs::create_symlink(input, folder + "/link.bin");
+    names.push_back(folder + "/link.bin");
+#endif
+    for (const std::string& output : names) {
         const Status refused = writeFile(output, std::string("patch"), {"x.bmp", input});
         ASSERT_FALSE(refused.ok()) << output;
         EXPECT_EQ(refused.error().code, ErrorCode::OutputIsInput) << output;
     }
     EXPECT_EQ(testing::readAll(input), bytesOf("firmware"));
-    EXPECT_TRUE(fs::is_symlink(folder + "/link.bin"));
 
     const Status folderRefused = writeFile(folder + "/sub", std::string("patch"));
     ASSERT_FALSE(folderRefused.ok());
     EXPECT_EQ(folderRefused.error().code, ErrorCode::OutputIsFolder);
     EXPECT_TRUE(fs::is_directory(folder + "/sub"));
-
+#ifndef _WIN32
     // A link that is not an input: the file it leads to is replaced, the link stays.
     ASSERT_TRUE(writeFile(folder + "/link.bin", std::string("new")).ok());
     EXPECT_EQ(testing::readAll(input), bytesOf("new"));
     EXPECT_TRUE(fs::is_symlink(folder + "/link.bin"));
     EXPECT_EQ(entriesIn(folder), 3u);
+#endif
 }
 
 #ifndef _WIN32
