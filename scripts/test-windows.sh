@@ -179,6 +179,8 @@ if [ -n "$installer" ]; then
   [ "$(open_command)" = "$target\\korvatek.exe %1" ] ||
     { echo "FAIL: after installing, .gpf opens with '$(open_command)'"; installer_failed=1; }
   "$wine" "$installed/Uninstall.exe" /S "_?=$target" || installer_failed=1
+  # The uninstaller may still be finishing when wine hands back: give it a few seconds.
+  for _ in $(seq 20); do [ -z "$(open_command)" ] && break; sleep 0.5; done
   [ -z "$(open_command)" ] || { echo "FAIL: the uninstaller left the association"; installer_failed=1; }
 else
   installer_failed=1

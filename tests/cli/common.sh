@@ -19,3 +19,12 @@ pass() { passed=$((passed + 1)); }
 fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
 finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
 lib() { "$PY" "$HERE/korvatek_testlib.py" "$@"; }
+# Runs the CLI with stdout in cmd.out and stderr in cmd.err; sets RC. A signal is a failure.
+run() {
+    "$CLI" "$@" >cmd.out 2>cmd.err
+    RC=$?
+    [ $RC -lt 128 ] || fail "korvatek-cli $* crashed (status $RC)"
+}
+stderr() { head -n 4 cmd.err | tr '\n' '|'; }
+expect_rc() { [ "$RC" -eq "$1" ] && pass || fail "$2: exit $RC, expected $1 (stderr: $(stderr))"; }
+expect_line() { grep -Fqx -- "$1" cmd.err && pass || fail "$2: no line '$1' on stderr: $(stderr)"; }

@@ -15,14 +15,6 @@
 # usage: font_bad_input.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-run() {
-    "$CLI" "$@" >cmd.out 2>cmd.err
-    RC=$?
-    [ $RC -lt 128 ] || fail "korvatek-cli $* crashed (status $RC)"
-}
-stderr() { head -n 3 cmd.err | tr '\n' '|'; }
-expect_rc() { [ "$RC" -eq "$1" ] && pass || fail "$2: exit $RC, expected $1 (stderr: $(stderr))"; }
-expect_line() { grep -Fqx -- "$1" cmd.err && pass || fail "$2: no line '$1' on stderr, got '$(stderr)'"; }
 expect_missing() { [ ! -e "$1" ] && pass || fail "$2: $1 was written"; }
 # A refusal: the status, a line of stderr (any message when none is given; make-font names
 # the file after the message), no OUTPUT.

@@ -14,15 +14,6 @@
 # usage: patch_bad_input.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-# Runs the CLI with stdout in cmd.out and stderr in cmd.err; sets RC.
-run() {
-    "$CLI" "$@" >cmd.out 2>cmd.err
-    RC=$?
-    [ $RC -lt 128 ] || fail "korvatek-cli $* crashed (status $RC)"
-}
-stderr() { head -n 4 cmd.err | tr '\n' '|'; }
-expect_rc() { [ "$RC" -eq "$1" ] && pass || fail "$2: exit $RC, expected $1 (stderr: $(stderr))"; }
-expect_line() { grep -Fqx -- "$1" cmd.err && pass || fail "$2: no line '$1' on stderr: $(stderr)"; }
 expect_missing() { [ ! -e "$1" ] && pass || fail "$2: $1 was written"; }
 # Every number given is named on stderr as a number of its own (1), or none is (0).
 names() {  # 1|0 WHAT NUMBERS...
