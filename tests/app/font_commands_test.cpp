@@ -5,6 +5,7 @@
 
 #include "app/scripted_interface.h"
 #include "app/workspace.h"
+#include "base/hex_text.h"
 #include "codec/bmp_file.h"
 #include "demo/demo_flash.h"
 #include "support/environment.h"
@@ -188,4 +189,26 @@ TEST(FontCommands, rebuildingAFontThatNoLongerFitsWritesNothing) {
     EXPECT_TRUE(f.ui.fileDialogs.empty());
 }
 
+}  // namespace korvatek::app
+
+namespace korvatek::app {
+// The room check counts a bitmap row as (w div 8 + 1) bytes, as the firmware's tables were laid
+// out: an ink exactly 8 pixels wide needs 2 bytes a row. A glyph that fills its room exactly is
+// taken; one row more is refused (counting ceil(w / 8) would take it and overwrite the next glyph).
+TEST(FontCommands, theRoomCheckCountsWholeBytesPlusOneARow) {
+    Fonts f;
+    const int code = 66;
+    const std::int64_t room = valHEX(f.ws.ListView2[code].bMoffset) - valHEX(f.ws.ListView2[code - 1].bMoffset) - 5;
+    ASSERT_GE(room, 4);
+    const int fitting = static_cast<int>(room / 2);
+    ASSERT_LT(fitting + 1, 101);
+
+    f.replace(code, f.bitmap("tall.bmp", 8, fitting + 1, 0, 0, 8, fitting + 1));
+    EXPECT_TRUE(f.ws.ActionFailed) << "room " << room;
+    EXPECT_NE(f.ws.ListView2[code - 1].status, "*");
+
+    f.replace(code, f.bitmap("fits.bmp", 8, fitting, 0, 0, 8, fitting));
+    EXPECT_FALSE(f.ws.ActionFailed) << "room " << room;
+    EXPECT_EQ(f.ws.ListView2[code - 1].status, "*");
+}
 }  // namespace korvatek::app
