@@ -103,7 +103,7 @@ void Workspace::AddPictureToPatch() {
     PicturePatchText += section;
     // The patch is kept in memory; the collecting file in the temporary folder mirrors it.
     (void)writeFile(collectingPatchPath(), PicturePatchText);
-    row.status = "*";
+    row.status.assign(1, '*');
 }
 
 void Workspace::mnuPopup_LoadGPF() {

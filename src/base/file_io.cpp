@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <random>
 
 #ifdef _WIN32
@@ -17,6 +18,7 @@
 #else
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -192,11 +194,49 @@ Status readFileChunks(const std::string& path, std::uint64_t limit, std::size_t 
     return success();
 }
 
-Result<std::shared_ptr<const ReadOnlyFile>> ReadOnlyFile::open(const std::string& path, std::uint64_t limit) {
-    auto bytes = readFile(path, limit);
-    if (!bytes) return bytes.error();
-    return std::shared_ptr<const ReadOnlyFile>(new ReadOnlyFile(path, std::move(*bytes)));
+namespace {
+
+// A large buffer that is not cleared first (the read fills it) and, where the system offers
+// them, in huge pages: a 32 MiB fullflash then costs a few page faults instead of 8192.
+std::uint8_t* allocateLarge(std::size_t size) {
+    if (size == 0) return nullptr;
+#if defined(__linux__)
+    void* p = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (p == MAP_FAILED) throw std::bad_alloc();
+    (void)::madvise(p, size, MADV_HUGEPAGE);
+    return static_cast<std::uint8_t*>(p);
+#else
+    return new std::uint8_t[size];
+#endif
 }
+
+void releaseLarge(std::uint8_t* data, std::size_t size) {
+    if (data == nullptr) return;
+#if defined(__linux__)
+    ::munmap(data, size);
+#else
+    (void)size;
+    delete[] data;
+#endif
+}
+
+}  // namespace
+
+Result<std::shared_ptr<const ReadOnlyFile>> ReadOnlyFile::open(const std::string& path, std::uint64_t limit) {
+    InputFile input;
+    if (const Status opened = openInput(path, limit, input); !opened) return opened.error();
+    std::shared_ptr<ReadOnlyFile> file(new ReadOnlyFile());
+    file->m_path = path;
+    file->m_capacity = static_cast<std::size_t>(input.size);
+    file->m_data = allocateLarge(file->m_capacity);
+    // What the file holds now; one that shrank meanwhile is taken as it is.
+    const long long n = readSome(input.fd, file->m_data, file->m_capacity);
+    if (n < 0) return openError(path, errno);
+    file->m_size = static_cast<std::size_t>(n);
+    return std::shared_ptr<const ReadOnlyFile>(std::move(file));
+}
+
+ReadOnlyFile::~ReadOnlyFile() { releaseLarge(m_data, m_capacity); }
 
 // ---- outputs
 

@@ -47,15 +47,20 @@ Status readFileChunks(const std::string& path, std::uint64_t limit, std::size_t 
 class ReadOnlyFile {
 public:
     static Result<std::shared_ptr<const ReadOnlyFile>> open(const std::string& path, std::uint64_t limit);
+    ~ReadOnlyFile();
+    ReadOnlyFile(const ReadOnlyFile&) = delete;
+    ReadOnlyFile& operator=(const ReadOnlyFile&) = delete;
 
-    ByteView bytes() const { return m_bytes; }
-    std::uint64_t size() const { return m_bytes.size(); }
+    ByteView bytes() const { return {m_data, m_size}; }
+    std::uint64_t size() const { return m_size; }
     const std::string& path() const { return m_path; }
 
 private:
-    ReadOnlyFile(std::string path, Bytes bytes) : m_path(std::move(path)), m_bytes(std::move(bytes)) {}
+    ReadOnlyFile() = default;
     std::string m_path;
-    Bytes m_bytes;
+    std::uint8_t* m_data = nullptr;  // a buffer of m_capacity bytes, m_size of them read
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
 };
 
 // The name that stands for standard output where a command writes a single stream.
