@@ -1,9 +1,14 @@
 #!/usr/bin/env bash
-# Installs what the build and the tests need and this machine lacks (Debian packages only).
+# Installs Debian packages this machine lacks, with apt-get (as root, or through sudo).
+#   scripts/setup.sh                 what the build and the ordinary tests need
+#   scripts/setup.sh PACKAGE...      those packages (the package and Windows checks name theirs)
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config libpng-dev libgtest-dev googletest libbenchmark-dev
-          qt6-base-dev python3 python3-pil help2man)
+packages=("$@")
+if [ ${#packages[@]} -eq 0 ]; then
+  packages=(cmake ninja-build g++ pkg-config libpng-dev libgtest-dev googletest libbenchmark-dev
+            qt6-base-dev python3 python3-pil help2man)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -7,14 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:?usage: $0 BUILD_FOLDER}
 
-tools=(lintian desktop-file-utils appstream libxml2-utils man-db help2man dpkg-dev)
-missing=()
-for p in "${tools[@]}"; do dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p"); done
-if [ ${#missing[@]} -gt 0 ]; then
-  SUDO=""; [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-  export DEBIAN_FRONTEND=noninteractive
-  $SUDO apt-get update -qq && $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
+bash "$root/scripts/setup.sh" lintian desktop-file-utils appstream libxml2-utils man-db help2man dpkg-dev
 # The manual pages are made by the build once help2man is there.
 cmake "$build" >/dev/null && cmake --build "$build" >/dev/null
 

@@ -17,18 +17,8 @@ started=$(date +%s)
 mkdir -p "$out"
 
 # ---------------------------------------------------------------- tools from Debian
-packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev mingw-w64-tools wine64 nsis qt6-base-dev-tools
-          cmake ninja-build python3 xvfb x11-apps netpbm xz-utils)
-missing=()
-for p in "${packages[@]}"; do dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p"); done
-if [ ${#missing[@]} -gt 0 ]; then
-  echo "test-windows: installing ${missing[*]}"
-  SUDO=""
-  [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-  export DEBIAN_FRONTEND=noninteractive
-  $SUDO apt-get update -qq
-  $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+bash "$root/scripts/setup.sh" g++-mingw-w64-x86-64-posix libz-mingw-w64-dev mingw-w64-tools wine64 nsis \
+  qt6-base-dev-tools cmake ninja-build python3 xvfb x11-apps netpbm xz-utils
 
 # ---------------------------------------------------------------- the Windows libraries
 sdk_archive=$root/../shared/windows-sdk/korvatek-windows-sdk.tar.xz
