@@ -70,7 +70,7 @@ TEST(Outputs, devicesAreWrittenNotReplacedAndLeftoversOfEndedRunsGo) {
     const std::string ended = target + ".korvatek-999999999-abc.part";   // no such process
     const std::string running = target + ".korvatek-" + std::to_string(::getpid()) + "-abc.part";
     const std::string planted = target + ".korvatek-999999998-abc.part";  // a link: not ours
-    for (const std::string& name : {ended, running, folder + "/victim"}) std::ofstream(name) << "keep";
+    for (const std::string& name : {ended, running, folder + "/victim"}) std::ofstream(toPath(name)) << "keep";
     fs::create_symlink(folder + "/victim", planted);
 
     ASSERT_TRUE(writeFile(target, std::string("patch")).ok());
