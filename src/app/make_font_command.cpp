@@ -68,10 +68,8 @@ void Workspace::mnuPopup2_MakeF() {
     const fonts::RebuildResult rebuilt = fonts::rebuildFont(input);
     using Outcome = fonts::RebuildResult::Outcome;
     if (rebuilt.outcome == Outcome::NoRoom) {
-        std::string text = msg(MessageKey::MsgFontNoRoom);
-        text.replace(text.find("%1"), 2, std::to_string(rebuilt.needed));
-        text.replace(text.find("%2"), 2, std::to_string(rebuilt.available));
-        showMessage(text);
+        const std::string text = settings::fillIn(msg(MessageKey::MsgFontNoRoom), "%1", std::to_string(rebuilt.needed));
+        showMessage(settings::fillIn(text, "%2", std::to_string(rebuilt.available)));
         ActionFailed = true;
         return;
     }

@@ -2,6 +2,11 @@
 
 namespace korvatek::settings {
 
+std::string fillIn(std::string text, std::string_view placeholder, const std::string& value) {
+    if (const auto at = text.find(placeholder); at != std::string::npos) text.replace(at, placeholder.size(), value);
+    return text;
+}
+
 const LanguageTexts* languageByIndex(int languageIndex) {
     switch (languageIndex) {
         case 1: return &LanguageRU();

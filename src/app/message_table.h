@@ -28,6 +28,9 @@ const LanguageTexts& LanguagePL();
 // The routine for a LanguageIndex, or nullptr outside 1 to 5 (then nothing is applied).
 const LanguageTexts* languageByIndex(int languageIndex);
 
+// A message row with its placeholder ("%1", "%2") filled in; a row without it stays as it is.
+std::string fillIn(std::string text, std::string_view placeholder, const std::string& value);
+
 class MessageTable {
 public:
     MessageTable();  // English, as the window is designed

@@ -67,17 +67,12 @@ void Workspace::mnu_ToolsCheckPatch() {
     const auto add = [&](const std::string& line) { problems += (problems.empty() ? "" : "\r") + line; };
     for (const auto& p : parsed.malformed)
         add(msg(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + p.what + ")");
-    if (parsed.malformedCount > parsed.malformed.size()) {
-        std::string more = msg(MessageKey::MsgPatchMoreLines);
-        if (const auto at = more.find("%1"); at != std::string::npos)
-            more.replace(at, 2, std::to_string(parsed.malformedCount - parsed.malformed.size()));
-        add(more);
-    }
+    if (parsed.malformedCount > parsed.malformed.size())
+        add(settings::fillIn(msg(MessageKey::MsgPatchMoreLines), "%1",
+                             std::to_string(parsed.malformedCount - parsed.malformed.size())));
     for (const auto& c : parsed.conflicts) {
-        std::string text = msg(MessageKey::MsgPatchConflict);
-        if (const auto at = text.find("%1"); at != std::string::npos) text.replace(at, 2, std::to_string(c.firstLine));
-        if (const auto at = text.find("%2"); at != std::string::npos) text.replace(at, 2, std::to_string(c.secondLine));
-        add(text + hexText(c.offset));
+        const std::string text = settings::fillIn(msg(MessageKey::MsgPatchConflict), "%1", std::to_string(c.firstLine));
+        add(settings::fillIn(text, "%2", std::to_string(c.secondLine)) + hexText(c.offset));
     }
     if (problems.empty() && parsed.edits.empty()) add(msg(MessageKey::MsgPatchNothing));
     for (const auto& p : patch::checkAgainst(parsed.edits, firmware->bytes()))

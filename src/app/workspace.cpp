@@ -86,11 +86,8 @@ void Workspace::showSuccess() {
 }
 
 std::string Workspace::errorText(const Error& error) const {
-    std::string text = msg(messageFor(error.code));
-    if (error.limit) {
-        if (const auto at = text.find("%1"); at != std::string::npos) text.replace(at, 2, limitText(*error.limit));
-    }
-    return text + error.detail;
+    const std::string& text = msg(messageFor(error.code));
+    return (error.limit ? settings::fillIn(text, "%1", limitText(*error.limit)) : text) + error.detail;
 }
 
 void Workspace::fail(const Error& error) {

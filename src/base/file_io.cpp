@@ -89,6 +89,18 @@ int currentProcessId() { return static_cast<int>(::getpid()); }
 bool processIsRunning(int pid) { return pid > 0 && (::kill(pid, 0) == 0 || errno == EPERM); }
 #endif
 
+// The process number in a name of ours ("...-PID-RANDOM..."), read from `start` up to the dash.
+std::optional<int> processNumberAt(const std::string& name, std::size_t start) {
+    const std::size_t dash = name.find('-', start);
+    if (dash == std::string::npos || dash == start || dash - start > 9) return std::nullopt;
+    int pid = 0;
+    for (std::size_t i = start; i < dash; ++i) {
+        if (name[i] < '0' || name[i] > '9') return std::nullopt;
+        pid = pid * 10 + (name[i] - '0');
+    }
+    return pid;
+}
+
 // An open input: a descriptor on a regular file and its size.
 struct InputFile {
     int fd = -1;
@@ -264,15 +276,7 @@ std::optional<int> partOwner(const std::string& name) {
         return std::nullopt;
     const std::size_t mark = name.rfind(kPartMark);
     if (mark == std::string::npos || mark == 0) return std::nullopt;
-    const std::size_t start = mark + kPartMark.size();
-    const std::size_t dash = name.find('-', start);
-    if (dash == std::string::npos || dash == start || dash - start > 9) return std::nullopt;
-    int pid = 0;
-    for (std::size_t i = start; i < dash; ++i) {
-        if (name[i] < '0' || name[i] > '9') return std::nullopt;
-        pid = pid * 10 + (name[i] - '0');
-    }
-    return pid;
+    return processNumberAt(name, mark + kPartMark.size());
 }
 
 // Once per folder and run: a batch writes many files into one folder.
@@ -557,16 +561,8 @@ void removeEndedPrivateFolders(const std::string& parent) {
     for (const fs::directory_entry& entry : it) {
         const std::string name = pathText(entry.path().filename());
         if (name.rfind(kPrivateFolderMark, 0) != 0 || entry.symlink_status(ec).type() != fs::file_type::directory) continue;
-        const std::size_t start = kPrivateFolderMark.size();
-        const std::size_t dash = name.find('-', start);
-        if (dash == std::string::npos || dash == start || dash - start > 9) continue;
-        int pid = 0;
-        bool digits = true;
-        for (std::size_t i = start; i < dash; ++i) {
-            digits = digits && name[i] >= '0' && name[i] <= '9';
-            pid = pid * 10 + (name[i] - '0');
-        }
-        if (!digits || processIsRunning(pid)) continue;
+        const auto pid = processNumberAt(name, kPrivateFolderMark.size());
+        if (!pid || processIsRunning(*pid)) continue;
 #ifndef _WIN32
         struct stat st {};
         if (::lstat(entry.path().c_str(), &st) != 0 || st.st_uid != ::getuid()) continue;  // not ours
