@@ -69,7 +69,7 @@ void BM_ReadPictureDataOnce(benchmark::State& state) {
     for (int n = 0; n < static_cast<int>(o.ws.ListView1.size()); ++n) {
         o.ws.selectPicture(n);
         o.ws.ListView1_Click();
-        const auto start = static_cast<std::uint64_t>(app::valHEX(o.ws.ListView1[static_cast<std::size_t>(n)].PICoffset));
+        const auto start = static_cast<std::uint64_t>(o.ws.ListView1[static_cast<std::size_t>(n)].dataOffset());
         spans.emplace_back(start, static_cast<std::uint64_t>(app::valHEX(o.ws.picture.dataLength)));
     }
     const ByteView image = o.ws.firmware->bytes();

@@ -40,7 +40,7 @@ int runPictures(const Words& words) {
     out.reserve(session.workspace().ListView1.size() * 48);
     for (const auto& row : session.workspace().ListView1) {
         for (int column = 1; column <= 7; ++column) {
-            out += row.cell(column);
+            out += firmware::pictureCellText(row, column);
             out += column < 7 ? '\t' : '\n';
         }
     }

@@ -47,7 +47,7 @@ int runGlyphs(const Words& words) {
     std::string out;
     for (const auto& row : session.workspace().ListView2) {
         for (int column = 1; column <= 9; ++column) {
-            out += row.cell(column);
+            out += fonts::glyphCellText(row, column);
             out += column < 9 ? '\t' : '\n';
         }
     }

@@ -115,7 +115,7 @@ bool replace(Session& session, const Replacement& r) {
     }
     // A replacement refused before its dialog leaves its file unasked: it must not answer the next.
     ui.openFiles.clear();
-    accepted = ws.ListView1[static_cast<std::size_t>(r.number)].status == "*" && !ws.ActionFailed;
+    accepted = ws.ListView1[static_cast<std::size_t>(r.number)].replaced && !ws.ActionFailed;
     // A refused replacement leaves the length the next one starts from as it was.
     if (!accepted) ws.picture.dataLength = lengthBefore;
     return accepted;

@@ -15,8 +15,8 @@ QStringList glyphCaptions() {
 GlyphListModel::GlyphListModel(const std::vector<fonts::GlyphRecord>& records, QObject* parent)
     : RecordTableModel(
           glyphCaptions(), [&records] { return static_cast<int>(records.size()); },
-          [&records](int row, int column) -> const std::string& {
-              return records[static_cast<std::size_t>(row)].cell(column);
+          [&records](int row, int column) {
+              return fonts::glyphCellText(records[static_cast<std::size_t>(row)], column);
           },
           parent) {
     setRightAligned({2, 3, 4, 5, 6});  // W, w, h, sL, sB

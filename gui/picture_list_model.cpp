@@ -15,8 +15,8 @@ QStringList pictureCaptions() {
 PictureListModel::PictureListModel(const std::vector<firmware::PictureRecord>& records, QObject* parent)
     : RecordTableModel(
           pictureCaptions(), [&records] { return static_cast<int>(records.size()); },
-          [&records](int row, int column) -> const std::string& {
-              return records[static_cast<std::size_t>(row)].cell(column);
+          [&records](int row, int column) {
+              return firmware::pictureCellText(records[static_cast<std::size_t>(row)], column);
           },
           parent) {
     setRightAligned({3, 4});  // width, height

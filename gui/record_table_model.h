@@ -16,7 +16,7 @@ class RecordTableModel : public QAbstractTableModel {
 public:
     using RowCount = std::function<int()>;
     // Column 1 is the first ("#"), as the commands count them.
-    using CellText = std::function<const std::string&(int row, int column)>;
+    using CellText = std::function<std::string(int row, int column)>;
 
     RecordTableModel(QStringList captions, RowCount rowCount, CellText cellText, QObject* parent = nullptr);
 

@@ -87,22 +87,22 @@ void Workspace::SaveGPF() {
     }
     std::string target;
     if (SingleSave) {
-        target = row->number + ".gpf2";
+        target = row->numberText() + ".gpf2";
         OSdialog(ActionFailed, kGpf2Filter, "GPF", target, true);
         if (ActionFailed) return;
     } else {
-        target = joinPath(OutputFolder, row->number + ".gpf2");
+        target = joinPath(OutputFolder, row->numberText() + ".gpf2");
     }
     if (!prepareOutput(target)) return;
 
-    // The type field comes from the first two characters of the Type cell, as they stand.
-    const std::string typeText{static_cast<char>(valHEX(row->type.substr(0, 2))), '\0'};
+    // The type field is the type as the list gives it back ("A00" is 0xA0).
+    const std::string typeText{static_cast<char>(row->listedType()), '\0'};
     IsGPF2 = true;
     Bytes file = containers::SaveGPFhead(true, picture.width, picture.height, typeText);
 
     // The data are copied from the fullflash up to where decoding stopped, one byte more than
     // the decoder consumed; that extra byte has always been part of the file.
-    const std::uint64_t start = static_cast<std::uint64_t>(valHEX(row->PICoffset));
+    const std::uint64_t start = static_cast<std::uint64_t>(row->dataOffset());
     const std::uint64_t end = firmwarePosition;
     const std::uint64_t count = end >= start ? end - start + 1 : 1;
     ByteReader flash(firmware->bytes(), start);
@@ -117,21 +117,21 @@ void Workspace::SaveBMP() {
     ActionFailed = false;
     std::string target;
     // A glyph is saved from the glyph grid, under its row's "#" text; a picture from the canvas.
-    const std::string* number = nullptr;
+    std::optional<std::string> number;
     if (GlyphShown) {
-        if (const fonts::GlyphRecord* row = selectedGlyph()) number = &row->number;
+        if (const fonts::GlyphRecord* row = selectedGlyph()) number = row->codeText();
     } else if (const firmware::PictureRecord* row = selectedPicture()) {
-        number = &row->number;
+        number = row->numberText();
     }
     if (SingleSave) {
         if (GPFtoBMPtool)
             target = std::filesystem::path(DialogFileName).replace_extension(".bmp").string();
-        else if (number != nullptr)
+        else if (number)
             target = *number + ".bmp";
         OSdialog(ActionFailed, kBmpFilter, "BMP", target, true);
         if (ActionFailed) return;
     } else {
-        if (number == nullptr) {
+        if (!number) {
             ActionFailed = true;
             return;
         }

@@ -47,16 +47,16 @@ void Workspace::LoadFont() {
     if (row == nullptr || !firmware) return;
     ActionFailed = false;
     fonts::GlyphHeader header;
-    header.W = static_cast<int>(valDecimal(row->W));
-    header.w = static_cast<int>(valDecimal(row->w));
-    header.h = static_cast<int>(valDecimal(row->h));
-    header.sL = static_cast<int>(valDecimal(row->sL));
-    header.sB = static_cast<int>(valDecimal(row->sB));
+    header.W = row->advance;
+    header.w = row->width;
+    header.h = row->height;
+    header.sL = row->shiftLeft;
+    header.sB = row->spaceBelow;
     const fonts::GlyphCell cell = fonts::glyphCell(header);
     PICinfo = "Width:" + signedText(cell.W) + "\r" + "Height:" + signedText(cell.H) + "\r\r" + "SymbolCode: 0x" +
-              hexText(static_cast<std::uint64_t>(valDecimal(row->number))) + "\r\r" + "Lenght: 0x" + row->len;
+              hexText(static_cast<std::uint64_t>(row->code)) + "\r\r" + "Lenght: 0x" + fonts::glyphCellText(*row, 9);
     preview = Preview{Preview::Source::Glyph, cell.W, cell.H};
-    const std::int64_t offset = valHEX(row->offset);
+    const std::int64_t offset = row->headerOffsetValue();
     ByteReader bitmap(firmware->bytes(), offset < 0 ? firmware->size() : static_cast<std::uint64_t>(offset) + 5);
     const Status drawn = fonts::drawGlyph(bitmap, header, glyphGrid);
     if (!drawn) fail(drawn.error());
@@ -65,7 +65,7 @@ void Workspace::LoadFont() {
 std::optional<std::string> Workspace::copyGlyphCell(int column) const {
     const fonts::GlyphRecord* row = selectedGlyph();
     if (row == nullptr || column < 1 || column > 10) return std::nullopt;
-    return row->cell(column);
+    return fonts::glyphCellText(*row, column);
 }
 
 void Workspace::mnuPopup2_SaveBMP() {

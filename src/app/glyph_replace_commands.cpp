@@ -16,7 +16,7 @@ namespace {
 // Shown when a glyph would not fit; the text is the same in every interface language.
 constexpr const char* kGlyphTooBig = "Слишком большая bmp, попробуйте сделать разрешение поменьше;)";
 
-bool isMarked(const fonts::GlyphRecord& row) { return row.status == "*"; }
+bool isMarked(const fonts::GlyphRecord& row) { return row.replaced; }
 
 }  // namespace
 
@@ -24,13 +24,13 @@ void Workspace::mnuPopup2_LoadBMP() {
     const fonts::GlyphRecord* row = selectedGlyph();
     if (row == nullptr) return;
     ActionFailed = false;
-    const double number = valDecimal(row->number);
+    const double number = row->code;
     if (isMarked(*row)) {
         showMessage(msg(MessageKey::MsgAlreadyReplaced), signedText(static_cast<std::int64_t>(number)));
         ActionFailed = true;
         return;
     }
-    std::string path = row->number + ".bmp";
+    std::string path = row->codeText() + ".bmp";
     OSdialog(ActionFailed, "BitMap File (*.bmp)|*.bmp", "BMP", path, false);
     if (ActionFailed) return;
     if (CheckFexist(path)) {
@@ -87,13 +87,13 @@ void Workspace::ReplaceGlyphFromBMP() {
     const fonts::GlyphRecord& row = ListView2[static_cast<std::size_t>(index)];
     bool fits;
     if (index + 1 < static_cast<int>(ListView2.size())) {
-        const std::int64_t next = valHEX(ListView2[static_cast<std::size_t>(index) + 1].bMoffset);
-        const std::int64_t here = valHEX(row.bMoffset);
+        const std::int64_t next = ListView2[static_cast<std::size_t>(index) + 1].referenceValue();
+        const std::int64_t here = row.referenceValue();
         const std::int64_t need = static_cast<std::int64_t>(trim.w / 8 + 1) * trim.h;
         fits = next - here - 5 >= need;
     } else {
         fits = fonts::storedBitmapSize(trim.w, trim.h) <=
-               fonts::storedBitmapSize(static_cast<int>(valDecimal(row.w)), static_cast<int>(valDecimal(row.h)));
+               fonts::storedBitmapSize(row.width, row.height);
     }
     if (!fits) {
         showMessage("Pic" + signedText(static_cast<std::int64_t>(CurrentGlyphNumber)) + "\r" + kGlyphTooBig);
@@ -111,7 +111,7 @@ void Workspace::ReplaceGlyphFromBMP() {
     ReverseByteOrder = false;
     fonts::CollectedGlyph glyph;
     glyph.number = static_cast<int>(CurrentGlyphNumber);
-    glyph.headerOffset = static_cast<std::uint32_t>(valHEX(row.offset));
+    glyph.headerOffset = static_cast<std::uint32_t>(row.headerOffsetValue());
     glyph.header = {static_cast<std::uint8_t>(trim.W), static_cast<std::uint8_t>(trim.w),
                     static_cast<std::uint8_t>(trim.h), static_cast<std::uint8_t>(trim.left),
                     static_cast<std::uint8_t>(trim.bottom)};
@@ -128,7 +128,7 @@ void Workspace::ReplaceGlyphFromBMP() {
     }
     (void)writeFile(temporaryPath("/Korvatek.temp"), data);
     (void)writeFile(temporaryPath("/Korvatek_2.temp"), records);
-    ListView2[static_cast<std::size_t>(index)].status.assign(1, '*');
+    ListView2[static_cast<std::size_t>(index)].replaced = true;
 }
 
 void Workspace::mnuPopup2_SavePatch() {
@@ -152,7 +152,7 @@ void Workspace::mnuPopup2_DiscardPatch() {
     collectedGlyphs.clear();
     deleteFile(temporaryPath("/Korvatek.temp"));
     deleteFile(temporaryPath("/Korvatek_2.temp"));
-    for (auto& row : ListView2) row.status.clear();
+    for (auto& row : ListView2) row.replaced = false;
 }
 
 }  // namespace korvatek::app

@@ -31,7 +31,7 @@ void Workspace::mnuPopup2_MakeF() {
     // Every glyph with a bitmap is loaded and trimmed as a single replacement would be.
     input.replacements.resize(ListView2.size());
     for (std::size_t i = 0; i < ListView2.size(); ++i) {
-        const std::string path = joinPath(folder, ListView2[i].number + ".bmp");
+        const std::string path = joinPath(folder, ListView2[i].codeText() + ".bmp");
         if (CheckFexist(path)) continue;
         const auto file = readFile(path, kMaxPictureFileSize);
         if (!file) return fail(file.error());
@@ -57,10 +57,10 @@ void Workspace::mnuPopup2_MakeF() {
         const auto read = fonts::FOTload(reader, Ftype[static_cast<std::size_t>(other)].descriptorOffset,
                                          input.fontAreaOffset, other == 0, nullptr);
         for (const auto& row : read.table.rows) {
-            const std::int64_t g = valHEX(row.offset);
+            const std::int64_t g = row.headerOffsetValue();
             if (g < 0) continue;
             const auto size = fonts::kGlyphHeaderSize +
-                              fonts::storedBitmapSize(static_cast<int>(valDecimal(row.w)), static_cast<int>(valDecimal(row.h)));
+                              fonts::storedBitmapSize(row.width, row.height);
             input.otherRecords.emplace_back(static_cast<std::uint64_t>(g), static_cast<std::uint64_t>(g) + size);
         }
     }

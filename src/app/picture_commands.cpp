@@ -24,12 +24,11 @@ void Workspace::LoadPIC() {
     ActionFailed = false;
     lastDecodeRefused = false;
 
-    const int number = static_cast<int>(valDecimal(row->number));
-    const std::int64_t dataOffset = valHEX(row->PICoffset);
-    const int width = static_cast<int>(valDecimal(row->width));
-    const int height = static_cast<int>(valDecimal(row->height));
-    // The type comes back from the first two characters of the cell: "A00" reads as 0xA0.
-    const int typeCode = valHEX(row->type.substr(0, 2));
+    const int number = row->number;
+    const std::int64_t dataOffset = row->dataOffset();
+    const int width = row->width;
+    const int height = row->height;
+    const int typeCode = row->listedType();
 
     // The old program positioned the file with a read of the byte before the data; at offset
     // 0 that read would fall before the file, so nothing can be decoded there.
@@ -83,7 +82,7 @@ void Workspace::LoadPIC() {
 std::optional<std::string> Workspace::copyPictureCell(int column) const {
     const firmware::PictureRecord* row = selectedPicture();
     if (row == nullptr || column < 1 || column > 8) return std::nullopt;
-    return row->cell(column);
+    return firmware::pictureCellText(*row, column);
 }
 
 // ---- one-item saves
@@ -92,7 +91,7 @@ void Workspace::mnuPopup_SaveGPF() {
     const firmware::PictureRecord* row = selectedPicture();
     if (row == nullptr) return;
     ActionFailed = false;
-    if (ShownPicture != static_cast<int>(valDecimal(row->number))) {
+    if (ShownPicture != row->number) {
         SuppressAlphaPrompt = true;  // SaveGPF needs the read position that decoding leaves
         LoadPIC();
         if (ActionFailed) return;
@@ -107,7 +106,7 @@ void Workspace::mnuPopup_SaveBMP() {
     const firmware::PictureRecord* row = selectedPicture();
     if (row == nullptr) return;
     ActionFailed = false;
-    if (ShownPicture != static_cast<int>(valDecimal(row->number))) {
+    if (ShownPicture != row->number) {
         SuppressAlphaPrompt = false;
         LoadPIC();
         if (ActionFailed) return;

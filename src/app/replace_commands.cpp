@@ -15,12 +15,12 @@ using settings::MessageKey;
 
 namespace {
 
-bool isMarked(const firmware::PictureRecord& row) { return row.status == "*"; }
+bool isMarked(const firmware::PictureRecord& row) { return row.replaced; }
 
 // Load BMPs "original": 1-bit stays monochrome, 8-bit becomes 0x85, 12- and 16-bit 0x88,
 // 24-bit 0x8A; a code without a format keeps the target as it was.
 std::optional<int> ownTarget(const firmware::PictureRecord& row) {
-    const auto bits = codec::bitsForTypeCode(valHEX(row.type.substr(0, 2)));
+    const auto bits = codec::bitsForTypeCode(row.listedType());
     if (!bits) return std::nullopt;
     switch (*bits) {
         case 1: return codec::kTarget1Bit;
@@ -62,7 +62,7 @@ void Workspace::AddPictureToPatch() {
         target = hexText(*found);
         UsedFreeSpace = true;
     } else {
-        target = row.PICoffset;  // in place; the rest of a longer old picture stays as it is
+        target = firmware::pictureCellText(row, 7);  // in place; the rest of a longer old picture stays as it is
     }
     if (ActionFailed) return;
 
@@ -73,11 +73,11 @@ void Workspace::AddPictureToPatch() {
     }
     ReverseByteOrder = false;
     section += patch::kLineEnd;
-    section += patch::sectionLine(static_cast<int>(valDecimal(row.number))) + patch::kLineEnd;
+    section += patch::sectionLine(row.number) + patch::kLineEnd;
 
     // The index record: new width, height (each as its 16-bit value, low byte first), type
     // field, "0000" and the address "A" + target, low byte first.
-    ByteReader flash(firmware->bytes(), static_cast<std::uint64_t>(valHEX(row.PIToffset)));
+    ByteReader flash(firmware->bytes(), static_cast<std::uint64_t>(valHEX(hexText(row.recordOffset))));
     const Bytes oldRecord = flash.bytes(12);
     const auto sizeText = [](int value) {
         std::string hex = hexText(static_cast<std::uint16_t>(value));
@@ -88,7 +88,7 @@ void Workspace::AddPictureToPatch() {
     };
     const std::string typeText = ASCtext2HEXtext(bytesOf(picture.typeText), false);
     const std::string addressText = ASCtext2HEXtext(HEXtext2ASCtext("A" + target, true), false);
-    section += "0" + row.PIToffset + ": " + ASCtext2HEXtext(oldRecord, false) + " " + sizeText(picture.width) +
+    section += "0" + hexText(row.recordOffset) + ": " + ASCtext2HEXtext(oldRecord, false) + " " + sizeText(picture.width) +
                sizeText(picture.height) + typeText + "0000" + addressText + patch::kLineEnd;
     section += patch::kLineEnd;
 
@@ -103,14 +103,14 @@ void Workspace::AddPictureToPatch() {
     PicturePatchText += section;
     // The patch is kept in memory; the collecting file in the temporary folder mirrors it.
     (void)writeFile(collectingPatchPath(), PicturePatchText);
-    row.status.assign(1, '*');
+    row.replaced = true;
 }
 
 void Workspace::mnuPopup_LoadGPF() {
     const firmware::PictureRecord* row = selectedPicture();
     if (row == nullptr) return;
     ActionFailed = false;
-    const int number = static_cast<int>(valDecimal(row->number));
+    const int number = row->number;
     if (isMarked(*row)) {
         showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(number));
         ActionFailed = true;
@@ -118,7 +118,7 @@ void Workspace::mnuPopup_LoadGPF() {
     }
     std::string path = PresetPath;
     if (!NoDialog) {
-        path = row->number + ".gpf2";
+        path = row->numberText() + ".gpf2";
         OSdialog(ActionFailed, "Graphic Patch File 2(*.gpf2)|*.gpf2", "GPF", path, false);
         if (ActionFailed) return;
     }
@@ -178,7 +178,7 @@ void Workspace::ReplacePictureFromBMP() {
     if (row == nullptr) return;
     ActionFailed = false;
     if (isMarked(*row)) {
-        showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(static_cast<int>(valDecimal(row->number))));
+        showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(row->number));
         ActionFailed = true;
         return;
     }
@@ -196,7 +196,7 @@ void Workspace::ReplacePictureFromPNG(const std::string& path) {
     if (row == nullptr) return;
     ActionFailed = false;
     if (isMarked(*row)) {
-        showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(static_cast<int>(valDecimal(row->number))));
+        showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(row->number));
         ActionFailed = true;
         return;
     }
@@ -259,7 +259,7 @@ void Workspace::mnuPopup_SavePatch() {
     PatchInProgress = false;
     PicturePatchText.clear();
     deleteFile(collectingPatchPath());
-    for (auto& row : ListView1) row.status.clear();
+    for (auto& row : ListView1) row.replaced = false;
     showSuccess();
 }
 
@@ -267,7 +267,7 @@ void Workspace::mnuPopup_DiscardPatch() {
     PatchInProgress = false;
     PicturePatchText.clear();
     deleteFile(collectingPatchPath());
-    for (auto& row : ListView1) row.status.clear();
+    for (auto& row : ListView1) row.replaced = false;
 }
 
 }  // namespace korvatek::app

@@ -93,7 +93,7 @@ void Workspace::BMPtoGPFtool() {
     if (!BmpFolderMode) {
         // Replacing a picture proposes its number as the name.
         const firmware::PictureRecord* row = NoDialog ? selectedPicture() : nullptr;
-        source = row ? row->number + ".bmp" : "";
+        source = row ? row->numberText() + ".bmp" : "";
         OSdialog(ActionFailed, "BitMap File (*.bmp)|*.bmp", "BMP", source, false);
         if (ActionFailed) return;
     }

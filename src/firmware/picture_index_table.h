@@ -13,10 +13,6 @@
 
 namespace korvatek::firmware {
 
-// The "Type" cell: hex of the byte, a "0" in front only below decimal 10, then "00". So 0x05
-// is "0500" and 0x85 "8500", but 0x0A..0x0F are "A00".."F00" and read back as 0xA0..0xF0.
-std::string typeCellText(std::uint8_t type);
-
 // The row of picture n whose 12-byte record lies at recordOffset.
 PictureRecord makePictureRecord(int n, std::uint64_t recordOffset, const std::uint8_t* record);
 

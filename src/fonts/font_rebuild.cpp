@@ -52,9 +52,9 @@ RebuildResult rebuildFont(const RebuildInput& in) {
     std::int64_t lowest = INT64_MAX;
     std::int64_t end = 0;
     for (const GlyphRecord& row : rows) {
-        const std::int64_t g = app::valHEX(row.offset);
-        const int w = static_cast<int>(app::valDecimal(row.w));
-        const int h = static_cast<int>(app::valDecimal(row.h));
+        const std::int64_t g = row.headerOffsetValue();
+        const int w = row.width;
+        const int h = row.height;
         const std::size_t size = kGlyphHeaderSize + storedBitmapSize(w, h);
         if (g < 0 || static_cast<std::uint64_t>(g) + size > in.image.size()) {
             result.outcome = RebuildResult::Outcome::OutsideImage;

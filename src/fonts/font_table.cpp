@@ -6,38 +6,6 @@
 
 namespace korvatek::fonts {
 
-namespace {
-
-std::string padded2(int value) {
-    std::string text = std::to_string(value);
-    return value < 10 ? "0" + text : text;
-}
-
-}  // namespace
-
-const std::string& GlyphRecord::cell(int column) const { return const_cast<GlyphRecord*>(this)->cell(column); }
-
-std::string& GlyphRecord::cell(int column) {
-    switch (column) {
-        case 1: return number;
-        case 2: return W;
-        case 3: return w;
-        case 4: return h;
-        case 5: return sL;
-        case 6: return sB;
-        case 7: return offset;
-        case 8: return bMoffset;
-        case 9: return len;
-        default: return status;
-    }
-}
-
-std::string referenceText(std::uint32_t raw) {
-    std::string text = app::hexText(raw);
-    if (text.size() >= 2 && text.compare(0, 2, "FF") == 0) text = text.substr(text.size() >= 4 ? text.size() - 4 : 0);
-    return text;
-}
-
 std::int64_t glyphRecordOffset(std::int64_t fontAreaOffset, const std::string& reference, bool firstFont, int index) {
     // The reference goes through the hex helper like every number: four digits or fewer are a
     // 16-bit signed number.
@@ -67,26 +35,24 @@ FontTableResult FOTload(ByteReader& flash, std::uint32_t descriptorOffset, std::
     for (int i = 0; i <= t.lastIndex; ++i) {
         GlyphRecord& row = t.rows[static_cast<std::size_t>(i)];
         flash.seek(static_cast<std::uint64_t>(t.start) + 4 + 8 * static_cast<std::uint64_t>(i));
-        row.bMoffset = referenceText(flash.u32le());
-        row.number = app::zeroPadded(i + 1, 4);
-        const std::int64_t g = glyphRecordOffset(fontAreaOffset, row.bMoffset, firstFont, i);
-        row.offset = app::hexText(static_cast<std::uint32_t>(g));
+        row.rawReference = flash.u32le();
+        row.code = i + 1;
+        const std::int64_t g = glyphRecordOffset(fontAreaOffset, referenceText(row.rawReference), firstFont, i);
+        row.headerOffset = static_cast<std::uint32_t>(g);
         if (progress) progress(percent(i));
     }
     for (int i = 0; i <= t.lastIndex; ++i) {
         GlyphRecord& row = t.rows[static_cast<std::size_t>(i)];
-        const std::int64_t g = app::valHEX(row.offset);
+        const std::int64_t g = row.headerOffsetValue();
         if (g < 0 || static_cast<std::uint64_t>(g) + kGlyphHeaderSize > flash.size()) ++t.outsideImage;
         flash.seek(static_cast<std::uint64_t>(g < 0 ? flash.size() : g));
         std::uint8_t b[kGlyphHeaderSize];
         flash.read(b, kGlyphHeaderSize);
-        row.W = padded2(b[0]);
-        row.w = std::to_string(b[1]);
-        row.h = std::to_string(b[2]);
-        row.sL = padded2(b[3]);
-        row.sB = padded2(b[4]);
-        std::string len = app::hexText(static_cast<std::uint64_t>((b[1] / 8 + 1) * b[2]));
-        row.len = len.size() < 2 ? "0" + len : len;
+        row.advance = b[0];
+        row.width = b[1];
+        row.height = b[2];
+        row.shiftLeft = b[3];
+        row.spaceBelow = b[4];
         if (progress) progress(percent(i) + 50.0);
     }
     return result;

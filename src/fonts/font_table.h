@@ -25,10 +25,6 @@ struct FontTable {
     int outsideImage = 0;      // rows whose glyph record lies (partly) outside the image
 };
 
-// The reference text R of a raw reference: hex without leading zeros, or its last four digits
-// when it begins with "FF".
-std::string referenceText(std::uint32_t raw);
-
 // The record offset a reference text leads to, the first font's correction included:
 // entries 375 to 783 of font 0 (both bounds exclusive of 374 and 784) lie 0x10000 further.
 std::int64_t glyphRecordOffset(std::int64_t fontAreaOffset, const std::string& reference, bool firstFont, int index);

@@ -70,13 +70,13 @@ TEST(FontCommands, showingAGlyphDescribesItsCell) {
     f.ws.selectGlyph(64);  // 'A'
     f.ws.ListView2_Click();
     const auto& row = f.ws.ListView2[64];
-    const int W = std::stoi(row.W);
-    const int H = std::stoi(row.h) + std::stoi(row.sB);
+    const int W = row.advance;
+    const int H = row.height + row.spaceBelow;
     EXPECT_EQ(f.ws.PICinfo, "Width: " + std::to_string(W) + "\rHeight: " + std::to_string(H) +
-                                "\r\rSymbolCode: 0x41\r\rLenght: 0x" + row.len);
+                                "\r\rSymbolCode: 0x41\r\rLenght: 0x" + fonts::glyphCellText(row, 9));
     EXPECT_EQ(f.ws.preview.source, Preview::Source::Glyph);
-    EXPECT_EQ(f.ws.copyGlyphCell(7), row.offset);
-    EXPECT_EQ(f.ws.copyGlyphCell(8), row.bMoffset);
+    EXPECT_EQ(f.ws.copyGlyphCell(7), fonts::glyphCellText(row, 7));
+    EXPECT_EQ(f.ws.copyGlyphCell(8), fonts::glyphCellText(row, 8));
 
     const std::string out = f.folder + "/A.bmp";
     f.ui.saveFiles.push_back(out);
@@ -112,7 +112,7 @@ TEST(FontCommands, aReplacementIsTrimmedRoomCheckedCollectedAndMarked) {
     const std::string small = f.bitmap("small.bmp", 6, 9, 1, 2, 4, 8);
     f.replace(65, small);
     ASSERT_FALSE(f.ws.ActionFailed);
-    EXPECT_EQ(f.ws.ListView2[64].status, "*");
+    EXPECT_TRUE(f.ws.ListView2[64].replaced);
     ASSERT_EQ(f.ws.collectedGlyphs.size(), 1u);
     const auto& g = f.ws.collectedGlyphs[0];
     EXPECT_EQ(g.number, 65);
@@ -129,7 +129,7 @@ TEST(FontCommands, aReplacementIsTrimmedRoomCheckedCollectedAndMarked) {
     // too big for its room: the message names the glyph and is the same in every language
     f.replace(66, f.bitmap("big.bmp", 60, 40, 0, 0, 60, 40));
     EXPECT_EQ(f.ui.messages.back().text, "Pic 66\rСлишком большая bmp, попробуйте сделать разрешение поменьше;)");
-    EXPECT_NE(f.ws.ListView2[65].status, "*");
+    EXPECT_FALSE(f.ws.ListView2[65].replaced);
 
     // saving writes the patch, clears the marks and the collecting files
     const std::string out = f.folder + "/font.vkp";
@@ -138,9 +138,9 @@ TEST(FontCommands, aReplacementIsTrimmedRoomCheckedCollectedAndMarked) {
     EXPECT_EQ(f.ui.fileDialogs.back().fileName, "Font1_lg91_E71_v42.vkp");
     const std::string text = textOf(readAll(out));
     EXPECT_EQ(text.substr(0, 33), ";Change font 1 for lg91_E71_v42\r\n");
-    EXPECT_NE(text.find("\r\n\r\n;symbol 00065\r\n0" + f.ws.ListView2[64].offset + ": "), std::string::npos);
+    EXPECT_NE(text.find("\r\n\r\n;symbol 00065\r\n0" + fonts::glyphCellText(f.ws.ListView2[64], 7) + ": "), std::string::npos);
     EXPECT_FALSE(f.ws.GlyphPatchInProgress);
-    EXPECT_NE(f.ws.ListView2[64].status, "*");
+    EXPECT_FALSE(f.ws.ListView2[64].replaced);
     EXPECT_TRUE(CheckFexist(f.folder + "/Korvatek.temp"));
 }
 
@@ -148,8 +148,8 @@ TEST(FontCommands, theLastGlyphMayNotGrow) {
     Fonts f(2);
     const auto& last = f.ws.ListView2.back();
     const int code = static_cast<int>(f.ws.ListView2.size());
-    const int w = std::stoi(last.w);
-    const int h = std::stoi(last.h);
+    const int w = last.width;
+    const int h = last.height;
     f.replace(code, f.bitmap("same.bmp", w + 2, h, 1, 0, 1 + w, h));
     EXPECT_FALSE(f.ws.ActionFailed);
     Fonts g(2);
@@ -172,7 +172,7 @@ TEST(FontCommands, aBitmapLargerThanTheGridOrWithoutRowsIsRefused) {
     ASSERT_TRUE(writeFile(topDown, bytes).ok());
     f.replace(66, topDown);
     EXPECT_TRUE(f.ws.ActionFailed);
-    EXPECT_NE(f.ws.ListView2[65].status, "*");
+    EXPECT_FALSE(f.ws.ListView2[65].replaced);
 }
 
 TEST(FontCommands, rebuildingAFontThatNoLongerFitsWritesNothing) {
@@ -198,17 +198,17 @@ namespace korvatek::app {
 TEST(FontCommands, theRoomCheckCountsWholeBytesPlusOneARow) {
     Fonts f;
     const int code = 66;
-    const std::int64_t room = valHEX(f.ws.ListView2[code].bMoffset) - valHEX(f.ws.ListView2[code - 1].bMoffset) - 5;
+    const std::int64_t room = f.ws.ListView2[code].referenceValue() - f.ws.ListView2[code - 1].referenceValue() - 5;
     ASSERT_GE(room, 4);
     const int fitting = static_cast<int>(room / 2);
     ASSERT_LT(fitting + 1, 101);
 
     f.replace(code, f.bitmap("tall.bmp", 8, fitting + 1, 0, 0, 8, fitting + 1));
     EXPECT_TRUE(f.ws.ActionFailed) << "room " << room;
-    EXPECT_NE(f.ws.ListView2[code - 1].status, "*");
+    EXPECT_FALSE(f.ws.ListView2[code - 1].replaced);
 
     f.replace(code, f.bitmap("fits.bmp", 8, fitting, 0, 0, 8, fitting));
     EXPECT_FALSE(f.ws.ActionFailed) << "room " << room;
-    EXPECT_EQ(f.ws.ListView2[code - 1].status, "*");
+    EXPECT_TRUE(f.ws.ListView2[code - 1].replaced);
 }
 }  // namespace korvatek::app

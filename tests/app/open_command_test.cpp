@@ -38,7 +38,7 @@ TEST(OpenCommand, aValidFlashIsIdentifiedAndListed) {
     ASSERT_EQ(o.ws.Ftype.size(), 2u);
     EXPECT_EQ(o.ws.Ftype[1].caption, "Font 1");
     ASSERT_EQ(o.ws.ListView1.size(), 1701u);
-    EXPECT_EQ(o.ws.ListView1[0].width, "10");
+    EXPECT_EQ(o.ws.ListView1[0].width, 10);
     EXPECT_DOUBLE_EQ(o.ws.progress, 100.0);
     ASSERT_EQ(o.ui.fileDialogs.size(), 1u);
     EXPECT_EQ(o.ui.fileDialogs[0].title, "Choose file fullflash:");

@@ -86,7 +86,7 @@ TEST(Replacement, inPlaceWritesTheIndexLineAndWholeDataLines) {
     EXPECT_EQ(lines[13].substr(0, 10), "01234577: ");
     // the third line carries 16 bytes, 15 of them beyond the data (the container's padding)
     EXPECT_EQ(lines[14], "01234587: 49494949494949494949494949494949 05000000000000000000000000000000");
-    EXPECT_EQ(s.ws.ListView1[0].status, "*");
+    EXPECT_TRUE(s.ws.ListView1[0].replaced);
     EXPECT_FALSE(s.ws.UsedFreeSpace);
 }
 
@@ -124,7 +124,7 @@ TEST(Replacement, aMarkedPictureIsRefusedUntilThePatchIsSaved) {
     EXPECT_EQ(readAll(out), bytesOf(before));
     EXPECT_FALSE(s.ws.PatchInProgress);
     EXPECT_TRUE(CheckFexist(s.ws.collectingPatchPath()));
-    for (const auto& row : s.ws.ListView1) EXPECT_NE(row.status, "*");
+    for (const auto& row : s.ws.ListView1) EXPECT_FALSE(row.replaced);
 
     // the next replacement starts a fresh patch with its own header
     s.replace(1, same);
@@ -137,7 +137,7 @@ TEST(Replacement, discardingDropsThePatchAndItsMarks) {
     EXPECT_FALSE(CheckFexist(s.ws.collectingPatchPath()));
     s.ws.mnuPopup_DiscardPatch();
     EXPECT_FALSE(s.ws.PatchInProgress);
-    EXPECT_NE(s.ws.ListView1[1].status, "*");
+    EXPECT_FALSE(s.ws.ListView1[1].replaced);
     EXPECT_TRUE(CheckFexist(s.ws.collectingPatchPath()));
 }
 
@@ -169,7 +169,7 @@ TEST(Replacement, bitmapsAreEncodedIntoATemporaryContainerFirst) {
     s.ui.openFiles.push_back(path);
     s.ws.mnuPopup_LoadBMP(0x88);
     EXPECT_EQ(s.ui.fileDialogs.back().fileName, "0001.bmp");
-    EXPECT_EQ(s.ws.ListView1[1].status, "*");
+    EXPECT_TRUE(s.ws.ListView1[1].replaced);
     EXPECT_FALSE(s.ws.NoDialog);
     EXPECT_TRUE(CheckFexist(s.tmp + "/temp.gpf2"));
     EXPECT_NE(s.ws.PicturePatchText.find(" 04000200880000007070B0A1"), std::string::npos);
@@ -179,7 +179,7 @@ TEST(Replacement, bitmapsAreEncodedIntoATemporaryContainerFirst) {
     s.ui.openFiles.push_back(testing::testFolder() + "/missing.bmp");
     s.ws.mnuPopup_LoadBMP(0x85);
     EXPECT_FALSE(s.ws.NoDialog);
-    EXPECT_NE(s.ws.ListView1[5].status, "*");
+    EXPECT_FALSE(s.ws.ListView1[5].replaced);
 }
 
 }  // namespace korvatek::app

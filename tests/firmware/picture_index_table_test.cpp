@@ -21,8 +21,8 @@ TEST(PictureIndexTable, numberAndHexColumnsArePadded) {
         {100, {"0100", "064"}}, {999, {"0999", "3E7"}}, {1000, {"1000", "3E8"}}, {1700, {"1700", "6A4"}}};
     for (const auto& [n, texts] : cases) {
         const PictureRecord row = rowFor(n, zero);
-        EXPECT_EQ(row.number, texts.first) << n;
-        EXPECT_EQ(row.hex, texts.second) << n;
+        EXPECT_EQ(pictureCellText(row, 1), texts.first) << n;
+        EXPECT_EQ(pictureCellText(row, 2), texts.second) << n;
     }
 }
 
@@ -38,19 +38,22 @@ TEST(PictureIndexTable, typeCellComparesAgainstDecimalTen) {
 }
 
 TEST(PictureIndexTable, sizesAreSignedLittleEndianAndAddressDropsItsTopDigit) {
+    const auto cells = [](const PictureRecord& row) {
+        std::string text;
+        for (int column = 1; column <= 8; ++column) text += pictureCellText(row, column) + "|";
+        return text;
+    };
     PictureRecord row = rowFor(1, {0x40, 0x01, 0xF0, 0x00, 0x85, 9, 9, 9, 0x67, 0x45, 0x23, 0xA1});
-    EXPECT_EQ(row.width, "320");
-    EXPECT_EQ(row.height, "240");
-    EXPECT_EQ(row.type, "8500");
-    EXPECT_EQ(row.PICoffset, "1234567");
-    EXPECT_EQ(row.status, std::string(1, '\0'));
+    EXPECT_EQ(cells(row), "0001|001|320|240|8500|1B01958|1234567||");
+    EXPECT_EQ(row.dataOffset(), 0x1234567u);
+    row.replaced = true;
+    EXPECT_EQ(pictureCellText(row, 8), "*");
 
-    row = rowFor(2, {0xFF, 0xFF, 0x00, 0x80, 0xFF, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
-    EXPECT_EQ(row.width, "-1");
-    EXPECT_EQ(row.height, "-32768");
-    EXPECT_EQ(row.PICoffset, "FFFFFFF");
-    EXPECT_EQ(rowFor(3, {0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xA0}).PICoffset, "0FFFFFF");
-    EXPECT_EQ(rowFor(3, {0, 0, 0, 0, 0, 0, 0, 0, 0x00, 0x00, 0x00, 0xA1}).PICoffset, "1000000");
+    row = rowFor(2, {0xFF, 0xFF, 0x00, 0x80, 0x0A, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
+    EXPECT_EQ(cells(row), "0002|002|-1|-32768|A00|1B01958|FFFFFFF||");
+    EXPECT_EQ(row.listedType(), 0xA0);  // the Type cell "A00" reads back as 0xA0
+    EXPECT_EQ(pictureCellText(rowFor(3, {0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xA0}), 7), "0FFFFFF");
+    EXPECT_EQ(pictureCellText(rowFor(3, {0, 0, 0, 0, 0, 0, 0, 0, 0x00, 0x00, 0x00, 0xA1}), 7), "1000000");
 }
 
 TEST(PictureIndexTable, walksAllRecordsInOrderWithTheirOffsets) {
@@ -64,11 +67,11 @@ TEST(PictureIndexTable, walksAllRecordsInOrderWithTheirOffsets) {
         last = p;
     });
     ASSERT_EQ(rows.size(), 1701u);
-    EXPECT_EQ(rows[0].PIToffset, "1B01958");
-    EXPECT_EQ(rows[0].width, "176");
-    EXPECT_EQ(rows[0].PICoffset, "1B07068");
-    EXPECT_EQ(rows[1700].PIToffset, "1B06908");
-    EXPECT_EQ(rows[1700].type, "0100");
+    EXPECT_EQ(rows[0].recordOffset, 0x1B01958u);
+    EXPECT_EQ(rows[0].width, 176);
+    EXPECT_EQ(rows[0].dataOffset(), 0x1B07068u);
+    EXPECT_EQ(rows[1700].recordOffset, 0x1B06908u);
+    EXPECT_EQ(rows[1700].type, 0x01);
     EXPECT_EQ(calls, 1701);
     EXPECT_DOUBLE_EQ(last, 100.0);
     EXPECT_EQ(reader.position(), kPictureTableEnd);
@@ -79,8 +82,8 @@ TEST(PictureIndexTable, aTableBeyondTheEndReadsZeros) {
     ByteReader reader(tiny);
     const auto rows = PITload(reader, kPictureTableOffset, 2, nullptr);
     ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[2].width, "0");
-    EXPECT_EQ(rows[2].PICoffset, "0000000");
+    EXPECT_EQ(rows[2].width, 0);
+    EXPECT_EQ(pictureCellText(rows[2], 7), "0000000");
 }
 
 TEST(Identification, modelPackAndFirmware) {

@@ -40,7 +40,7 @@ TEST(FontTable, theFirstFontLiftsEntries375To783Only) {
     const FontTable first = load(flash, true);
     ASSERT_EQ(first.rows.size(), 800u);
     EXPECT_EQ(first.lastIndex, 799);
-    const auto offsetOf = [&](const FontTable& t, int i) { return t.rows[static_cast<std::size_t>(i)].offset; };
+    const auto offsetOf = [&](const FontTable& t, int i) { return glyphCellText(t.rows[static_cast<std::size_t>(i)], 7); };
     EXPECT_EQ(offsetOf(first, 374), "1815D80");
     EXPECT_EQ(offsetOf(first, 375), "1825DC0");
     EXPECT_EQ(offsetOf(first, 783), "182C3C0");
@@ -52,20 +52,20 @@ TEST(FontTable, theFirstFontLiftsEntries375To783Only) {
 
 TEST(FontTable, rowCellsHaveTheirPaddings) {
     const FontTable t = load(fontFlash(1001, false), false);
-    const GlyphRecord& r = t.rows[6];
-    EXPECT_EQ(r.number, "0007");
-    EXPECT_EQ(r.W, "06");
-    EXPECT_EQ(r.w, "8");
-    EXPECT_EQ(r.h, "10");
-    EXPECT_EQ(r.sL, "05");
-    EXPECT_EQ(r.sB, "200");
-    EXPECT_EQ(r.bMoffset, "10180");
-    EXPECT_EQ(r.len, "14");  // (8 div 8 + 1) x 10 = 20, although 10 bytes are stored
-    EXPECT_EQ(r.status, std::string(1, '\0'));
-    EXPECT_EQ(t.rows[8].number, "0009");
-    EXPECT_EQ(t.rows[999].number, "1000");
-    EXPECT_EQ(t.rows[1000].number, "1001");
-    EXPECT_EQ(t.rows[199].W, "199");
+    const auto cells = [](const GlyphRecord& row) {
+        std::string text;
+        for (int column = 1; column <= 10; ++column) text += glyphCellText(row, column) + "|";
+        return text;
+    };
+    // (8 div 8 + 1) x 10 = 20 = 0x14 in "len", although 10 bytes are stored
+    EXPECT_EQ(cells(t.rows[6]), "0007|06|8|10|05|200|1810180|10180|14||");
+    EXPECT_EQ(glyphCellText(t.rows[8], 1), "0009");
+    EXPECT_EQ(glyphCellText(t.rows[999], 1), "1000");
+    EXPECT_EQ(glyphCellText(t.rows[1000], 1), "1001");
+    EXPECT_EQ(glyphCellText(t.rows[199], 2), "199");
+    GlyphRecord marked = t.rows[6];
+    marked.replaced = true;
+    EXPECT_EQ(glyphCellText(marked, 10), "*");
 }
 
 TEST(FontTable, referencesAndTheirValues) {
@@ -93,7 +93,7 @@ TEST(FontTable, damagedTablesGiveNoRowsAndNoCrash) {
     outside.putU32(kTable + 4, 0x0EFFFFF0);  // a record far past the end of the image
     const FontTable t = load(outside, false);
     EXPECT_EQ(t.outsideImage, 1);
-    EXPECT_EQ(t.rows[0].W, "00");
+    EXPECT_EQ(glyphCellText(t.rows[0], 2), "00");
 
     testing::FlashBuilder one = fontFlash(1, false);  // the progress of a one-entry table
     ByteReader r1(one.bytes());

@@ -33,21 +33,21 @@ private slots:
         for (int row = 0; row < model.rowCount(); ++row) {
             for (int column = 1; column <= 7; ++column)
                 QCOMPARE(model.data(model.index(row, column - 1)).toString(),
-                         QString::fromStdString(ws.ListView1[row].cell(column)));
-            // The untouched mark (the single character 0) shows as nothing.
+                         QString::fromStdString(firmware::pictureCellText(ws.ListView1[row], column)));
+            // An untouched row has no mark.
             QCOMPARE(model.data(model.index(row, 7)).toString(), QString());
         }
         QCOMPARE(model.cellText(1700, 6), QStringLiteral("1B06908"));
 
         // A replacement mark changes one cell; the rows stay.
-        ws.ListView1[3].status.assign(1, '*');
+        ws.ListView1[3].replaced = true;
         model.refreshCells();
         QCOMPARE(model.data(model.index(3, 7)).toString(), QStringLiteral("*"));
     }
 
     void recordsEmptiedBeforeTheViewsAreToldReadAsNothing() {
         std::vector<firmware::PictureRecord> records(3);
-        records[2].number = "0002";
+        records[2].number = 2;
         PictureListModel model(records);
         QCOMPARE(model.rowCount(), 3);
         // A command empties the records and paints before the window reloads the model.
@@ -77,7 +77,7 @@ private slots:
             QVERIFY(model.rowCount() > 0);
             for (int row = 0; row < model.rowCount(); row += 7)
                 for (int column = 1; column <= 9; ++column)
-                    QCOMPARE(model.cellText(row, column), QString::fromStdString(ws.ListView2[row].cell(column)));
+                    QCOMPARE(model.cellText(row, column), QString::fromStdString(fonts::glyphCellText(ws.ListView2[row], column)));
         }
     }
 };
