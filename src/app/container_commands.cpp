@@ -4,7 +4,8 @@
 #include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
-#include "codec/picture_decoder.h"
+#include "edit/picture_decode.h"
+#include "edit/picture_files.h"
 #include "codec/picture_type.h"
 #include "containers/dat_header.h"
 #include "containers/gpf_header.h"
@@ -19,38 +20,30 @@ constexpr const char* kGpf2Filter = "Graphic Patch File 2(*.gpf2)|*.gpf2";
 constexpr const char* kGpfAnyFilter = "Graphic Patch File 2(*.gpf2)|*.gpf2|Graphic Patch File (*.gpf)|*.gpf";
 constexpr const char* kBmpFilter = "BitMap File (*.bmp)|*.bmp";
 
-bool tooLarge(int width, int height) { return width > codec::kMaxPictureWidth || height > codec::kMaxPictureHeight; }
 
 }  // namespace
 
 void Workspace::decodeContainer(ByteReader& in, int width, int height, const std::string& typeText) {
-    picture.width = width;
-    picture.height = height;
-    picture.typeText = typeText;
-    picture.typeCode = containers::typeCodeOf(typeText);
-    picture.compression = picture.typeCode >= 129 ? "Yes" : "No";
-    picture.bits = codec::bitsForTypeCode(picture.typeCode).value_or(picture.bits);
-
+    const int bits = edit::pictureBits(containers::typeCodeOf(typeText), picture.bits);
     PICinfo.clear();
     preview = Preview{Preview::Source::Picture, width, height};
     OutputDepth = 24;
-    if (GPFtoBMPtool && picture.bits == 24 && ui.askOkCancel(msg(MessageKey::MsgSaveAlpha))) OutputDepth = 32;
+    if (GPFtoBMPtool && bits == 24 && ui.askOkCancel(msg(MessageKey::MsgSaveAlpha))) OutputDepth = 32;
 
-    const std::uint64_t start = in.position();
-    const Status decoded = codec::ConvertGPF2BMPdata(
-        in, {width, height, picture.bits, picture.compression, OutputDepth}, canvas);
-    if (!decoded && decoded.error().code == ErrorCode::OutsideCanvas) {
-        fail(decoded.error());
-        return;
+    const edit::DecodedPicture decoded =
+        edit::decodeContainerData(in, width, height, typeText, OutputDepth, picture.bits, canvas);
+    const std::string lengthBefore = picture.dataLength;
+    takeDecoded(decoded);
+    if (decoded.stopped) {
+        picture.dataLength = lengthBefore;  // a stopped load leaves the length as it was
+        return fail(*decoded.stopped);
     }
-    if (!decoded) {
+    if (decoded.refused) {
         // A format the decoder refuses does not fail the load.
-        showMessage(errorText(decoded.error()));
+        showMessage(errorText(*decoded.refused));
         lastDecodeRefused = true;
     }
-    picture.dataLength = hexText(in.position() - start);
-    canvas.metaLength = picture.dataLength;
-    PICinfo = informationText(width, height, picture.bits, picture.compression, picture.dataLength);
+    PICinfo = edit::pictureInformation(decoded);
 }
 
 void Workspace::LoadGPF(const std::string& path) {
@@ -59,10 +52,9 @@ void Workspace::LoadGPF(const std::string& path) {
     const auto file = readFile(path, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
-    const auto header = containers::LoadGPFhead(in);
+    const auto header = edit::readContainerHead(in, false);
     if (!header) return fail(header.error());
     IsGPF2 = header->isGPF2;
-    if (tooLarge(header->width, header->height)) return fail(makeError(ErrorCode::PictureTooLarge));
     decodeContainer(in, header->width, header->height, header->typeText);
 }
 
@@ -72,10 +64,10 @@ void Workspace::LoadDAT(const std::string& path) {
     const auto file = readFile(path, kMaxPictureFileSize);
     if (!file) return fail(file.error());
     ByteReader in(*file);
-    const containers::DatHeader header = containers::LoadDAThead(in);
+    const auto header = edit::readContainerHead(in, true);
     ReverseByteOrder = true;
-    if (tooLarge(header.width, header.height)) return fail(makeError(ErrorCode::PictureTooLarge));
-    decodeContainer(in, header.width, header.height, header.typeText);
+    if (!header) return fail(header.error());
+    decodeContainer(in, header->width, header->height, header->typeText);
 }
 
 void Workspace::SaveGPF() {
@@ -95,22 +87,13 @@ void Workspace::SaveGPF() {
     }
     if (!prepareOutput(target)) return;
 
-    // The type field is the type as the list gives it back ("A00" is 0xA0).
-    const std::string typeText{static_cast<char>(row->listedType()), '\0'};
+    // The picture as the last decode left it: its size and where its data ended.
     IsGPF2 = true;
-    Bytes file = containers::SaveGPFhead(true, picture.width, picture.height, typeText);
-
-    // The data are copied from the fullflash up to where decoding stopped, one byte more than
-    // the decoder consumed; that extra byte has always been part of the file.
-    const std::uint64_t start = static_cast<std::uint64_t>(row->dataOffset());
-    const std::uint64_t end = firmwarePosition;
-    const std::uint64_t count = end >= start ? end - start + 1 : 1;
-    ByteReader flash(firmware->bytes(), start);
-    const std::size_t headerSize = file.size();
-    file.resize(headerSize + static_cast<std::size_t>(count));
-    flash.read(file.data() + headerSize, static_cast<std::size_t>(count));
-    containers::padContainer(file);
-    writeOutput(target, file);
+    edit::DecodedPicture shown;
+    shown.width = picture.width;
+    shown.height = picture.height;
+    shown.end = firmwarePosition;
+    writeOutput(target, edit::flashPictureContainer(firmware->bytes(), *row, shown));
 }
 
 void Workspace::SaveBMP() {

@@ -23,6 +23,9 @@ MessageKey messageFor(ErrorCode code) {
         case ErrorCode::GlyphOutsideGrid: return MessageKey::MsgGlyphOutsideGrid;
         case ErrorCode::BadOffset: return MessageKey::MsgDataOffsetZero;
         case ErrorCode::Overflow: return MessageKey::MsgUnknownFile;  // a number too long to read
+        case ErrorCode::ModelNotSupported: return MessageKey::MsgModelNotSupported;
+        case ErrorCode::FlashTooShort: return MessageKey::MsgFlashTooShort;
+        case ErrorCode::NoFreeSpace: return MessageKey::MsgNoFreeSpace;
     }
     return MessageKey::MsgUnknownFile;
 }

@@ -2,9 +2,7 @@
 // to their loaders.
 #include "base/hex_text.h"
 #include "app/workspace.h"
-#include "firmware/identification.h"
-#include "firmware/layout.h"
-#include "firmware/picture_index_table.h"
+#include "edit/opened_flash.h"
 
 namespace korvatek::app {
 
@@ -45,51 +43,32 @@ void Workspace::mnu_FileOpen() {
 }
 
 void Workspace::openFirmware(const std::string& path) {
-    auto opened = ReadOnlyFile::open(path, kMaxFlashFileSize);
+    auto opened = edit::openFlash(path, static_cast<std::uint32_t>(valHEX(PITaddress)), PictureMaxIndex,
+                                  [this](double percent) { setProgress(percent); });
+    ShownPicture.reset();  // nothing of this file has been decoded yet
     if (!opened) {
+        firmware.reset();
         fail(opened.error());
         return;
     }
-    firmware = *opened;
-    ShownPicture.reset();  // nothing of this file has been decoded yet
-    ByteReader flash(firmware->bytes());
-
-    const std::string model = firmware::readPhoneModel(flash);
-    if (!firmware::isSupportedModel(model)) {
-        showMessage(msg(MessageKey::MsgModelNotSupported) + model);
-        firmware.reset();
-        ActionFailed = true;
-        return;
-    }
-    // Every fixed structure read below must lie inside the file.
-    if (firmware->size() < firmware::kMinimumFlashSize) {
-        showMessage(msg(MessageKey::MsgFlashTooShort) + std::to_string(firmware->size()));
-        firmware.reset();
-        ActionFailed = true;
-        return;
-    }
-    PhoneModel = model;
-
+    const edit::OpenedFlash& flash = *opened;
+    firmware = flash.file;
+    PhoneModel = flash.model;
     ReverseByteOrder = true;
-    flash.seek(firmware::kFontAreaPointerOffset);
-    FontAreaOffset = std::to_string(firmware::flashOffsetOf(flash.u32le()));
-    flash.seek(firmware::kFontArrayPointerOffset);
-    FontArrayAddress = flash.bytes(4);
-    Ftype = firmware::readFontSelector(flash);
+    FontAreaOffset = std::to_string(flash.fontAreaOffset);
+    FontArrayAddress = flash.fontArrayAddress;
+    Ftype = flash.fonts;
     FtypeIndex = -1;
-
     applyLanguage(LanguageIndex);
-
-    LanguagePack = firmware::readLanguagePack(flash);
-    if (firmware::isSupportedLanguagePack(LanguagePack)) {
-        ListView1 = firmware::PITload(flash, static_cast<std::uint32_t>(valHEX(PITaddress)), PictureMaxIndex,
-                                      [this](double percent) { setProgress(percent); });
+    LanguagePack = flash.pack;
+    if (flash.packSupported) {
+        ListView1 = flash.pictures;
         CurrentPicture = PictureMaxIndex + 1;
-        firmwarePosition = flash.position();
+        firmwarePosition = flash.positionAfterTable;
     } else {
         showMessage(msg(MessageKey::MsgFirmwareNotSupported) + LanguagePack + ". " + msg(MessageKey::MsgFontsOnly));
     }
-    FirmwareId = firmware::identifyFirmware(Ftype);
+    FirmwareId = flash.firmwareId;
 }
 
 }  // namespace korvatek::app

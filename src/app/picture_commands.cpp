@@ -1,8 +1,7 @@
 // The picture list: showing the selected picture, and saving one or all of them.
 #include "base/hex_text.h"
 #include "app/workspace.h"
-#include "codec/picture_decoder.h"
-#include "codec/picture_type.h"
+#include "edit/picture_decode.h"
 
 namespace korvatek::app {
 
@@ -24,58 +23,38 @@ void Workspace::LoadPIC() {
     ActionFailed = false;
     lastDecodeRefused = false;
 
-    const int number = row->number;
-    const std::int64_t dataOffset = row->dataOffset();
-    const int width = row->width;
-    const int height = row->height;
-    const int typeCode = row->listedType();
-
-    // The old program positioned the file with a read of the byte before the data; at offset
-    // 0 that read would fall before the file, so nothing can be decoded there.
-    if (dataOffset <= 0) {
+    if (row->dataOffset() == 0) {
         picture.dataLength.assign(1, '0');  // nothing is stored for it: a replacement goes to free space
         fail(makeError(ErrorCode::BadOffset));
         ShownPicture.reset();
         return;
     }
-    firmwarePosition = static_cast<std::uint64_t>(dataOffset);
-
-    picture.width = width;
-    picture.height = height;
-    picture.typeCode = typeCode;
-    picture.typeText = std::string{static_cast<char>(typeCode), '\0'};
-    picture.compression = codec::compressionText(typeCode);
-    picture.bits = codec::bitsForTypeCode(typeCode).value_or(picture.bits);
-
+    // The depth is known before decoding: a 24-bit picture asks whether to keep its alpha.
+    const int bits = edit::pictureBits(row->listedType(), picture.bits);
     PICinfo.clear();
     OutputDepth = 24;
-    if (!SuppressAlphaPrompt && picture.bits == 24) {
+    if (!SuppressAlphaPrompt && bits == 24) {
         if (ui.askOkCancel(msg(MessageKey::MsgSaveAlpha))) OutputDepth = 32;
-    } else if (SuppressAlphaPrompt && picture.bits == 24 && BatchKeepAlpha) {
+    } else if (SuppressAlphaPrompt && bits == 24 && BatchKeepAlpha) {
         OutputDepth = 32;
     }
-
-    preview = Preview{Preview::Source::Picture, width, height};
-    ByteReader flash(firmware->bytes(), firmwarePosition);
-    const Status decoded = codec::ConvertGPF2BMPdata(
-        flash, {width, height, picture.bits, picture.compression, OutputDepth}, canvas);
-    const std::uint64_t length = flash.position() - firmwarePosition;
-    firmwarePosition = flash.position();
-    picture.dataLength = hexText(length);
-    canvas.metaLength = picture.dataLength;
-
-    if (!decoded && decoded.error().code == ErrorCode::OutsideCanvas) {
+    preview = Preview{Preview::Source::Picture, row->width, row->height};
+    const edit::DecodedPicture decoded =
+        edit::decodeFlashPicture(firmware->bytes(), *row, OutputDepth, picture.bits, canvas);
+    takeDecoded(decoded);
+    firmwarePosition = decoded.end;
+    if (decoded.stopped) {
         // A picture that does not fit the canvas stops here, as a run-time error did.
-        fail(decoded.error());
+        fail(*decoded.stopped);
         ShownPicture.reset();
         return;
     }
-    ShownPicture = number;
-    if (!decoded) {
-        showMessage(errorText(decoded.error()));
+    ShownPicture = row->number;
+    if (decoded.refused) {
+        showMessage(errorText(*decoded.refused));
         lastDecodeRefused = true;
     }
-    PICinfo = informationText(width, height, picture.bits, picture.compression, picture.dataLength);
+    PICinfo = edit::pictureInformation(decoded);
     ActionFailed = false;  // the decoder's message has already been shown
 }
 

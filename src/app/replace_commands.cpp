@@ -4,9 +4,8 @@
 #include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/picture_encoder.h"
+#include "edit/picture_patch.h"
 #include "codec/picture_type.h"
-#include "containers/gpf_header.h"
-#include "firmware/free_space.h"
 #include "patch/vkp_text.h"
 
 namespace korvatek::app {
@@ -34,17 +33,6 @@ std::optional<int> ownTarget(const firmware::PictureRecord& row) {
 
 std::string Workspace::collectingPatchPath() const { return temporaryPath("/Korvatek_gp.temp"); }
 
-std::optional<std::uint32_t> Workspace::FindFreeSpace(std::uint32_t size) {
-    const auto found = firmware::FindFreeSpace(firmware->bytes(), size, static_cast<std::uint32_t>(valHEX(FreeSpaceStart)));
-    if (!found.address) {
-        showMessage(msg(MessageKey::MsgNoFreeSpace));
-        ActionFailed = true;
-        return std::nullopt;
-    }
-    FreeSpaceStart = hexText(found.nextStart);
-    return found.address;
-}
-
 void Workspace::AddPictureToPatch() {
     if (!firmware || ReplacePictureNumber < 0 || ReplacePictureNumber >= static_cast<int>(ListView1.size())) return;
     firmware::PictureRecord& row = ListView1[static_cast<std::size_t>(ReplacePictureNumber)];
@@ -53,54 +41,24 @@ void Workspace::AddPictureToPatch() {
     const auto container = readFile(DialogFileName, kMaxPictureFileSize);
     LoadGPF(DialogFileName);
     if (ActionFailed || !container) return;
-    const std::int64_t newLength = valHEX(picture.dataLength);
-
-    std::string target;
-    if (oldLength < newLength) {
-        const auto found = FindFreeSpace(static_cast<std::uint32_t>(newLength));
-        if (!found) return;
-        target = hexText(*found);
+    edit::DecodedPicture replacement;
+    replacement.width = picture.width;
+    replacement.height = picture.height;
+    replacement.typeText = picture.typeText;
+    replacement.dataLength = static_cast<std::uint64_t>(static_cast<std::uint32_t>(valHEX(picture.dataLength)));
+    const edit::PicturePlacement placed = edit::placePicture(firmware->bytes(), row, oldLength, *container, replacement,
+                                                             static_cast<std::uint32_t>(valHEX(FreeSpaceStart)));
+    if (placed.error) return fail(*placed.error);
+    if (placed.kind == edit::PicturePlacement::Kind::Moved) {
+        FreeSpaceStart = hexText(placed.nextFreeSpace);
         UsedFreeSpace = true;
-    } else {
-        target = firmware::pictureCellText(row, 7);  // in place; the rest of a longer old picture stays as it is
     }
-    if (ActionFailed) return;
-
-    std::string section;
     if (!PatchInProgress) {
         PatchInProgress = true;
         PicturePatchText = patch::pictureHeader(PhoneModel);
     }
     ReverseByteOrder = false;
-    section += patch::kLineEnd;
-    section += patch::sectionLine(row.number) + patch::kLineEnd;
-
-    // The index record: new width, height (each as its 16-bit value, low byte first), type
-    // field, "0000" and the address "A" + target, low byte first.
-    ByteReader flash(firmware->bytes(), static_cast<std::uint64_t>(valHEX(hexText(row.recordOffset))));
-    const Bytes oldRecord = flash.bytes(12);
-    const auto sizeText = [](int value) {
-        std::string hex = hexText(static_cast<std::uint16_t>(value));
-        if (hex.size() == 1) hex = "0" + hex + "00";
-        else if (hex.size() == 2) hex += "00";
-        else if (hex.size() == 3) hex = hex.substr(1, 2) + "0" + hex.substr(0, 1);
-        return hex;
-    };
-    const std::string typeText = ASCtext2HEXtext(bytesOf(picture.typeText), false);
-    const std::string addressText = ASCtext2HEXtext(HEXtext2ASCtext("A" + target, true), false);
-    section += "0" + hexText(row.recordOffset) + ": " + ASCtext2HEXtext(oldRecord, false) + " " + sizeText(picture.width) +
-               sizeText(picture.height) + typeText + "0000" + addressText + patch::kLineEnd;
-    section += patch::kLineEnd;
-
-    // The data, 16 bytes a line, the last line always whole: its new bytes beyond the data
-    // come from the container's padding, its old bytes from whatever follows in the image.
-    const std::uint64_t lines = (static_cast<std::uint64_t>(newLength) + 15) / 16;
-    ByteReader data(*container, containers::kGpfHeaderSize);
-    const std::uint64_t at = static_cast<std::uint64_t>(valHEX(target));
-    const Bytes newData = data.bytes(static_cast<std::size_t>(lines * 16));
-    section += patch::patchLines(firmware->bytes(), at, newData);
-
-    PicturePatchText += section;
+    PicturePatchText += placed.section;
     // The patch is kept in memory; the collecting file in the temporary folder mirrors it.
     (void)writeFile(collectingPatchPath(), PicturePatchText);
     row.replaced = true;

@@ -3,8 +3,7 @@
 #include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
-#include "codec/picture_encoder.h"
-#include "codec/png_file.h"
+#include "edit/picture_files.h"
 #include "containers/dat_header.h"
 #include "containers/gpf_header.h"
 
@@ -44,22 +43,10 @@ std::optional<std::string> Workspace::askContainerTarget(const std::string& sour
 
 void Workspace::writeCanvasContainer(const std::string& target, const std::string& source) {
     IsGPF2 = endsWith(target, "2");
-    const int width = canvas.metaWidth;
-    const int height = canvas.metaHeight;
-    if (!IsGPF2 && !fitsVersion1(width, height))
-        return fail(makeError(ErrorCode::GpfV1TooLarge));
-    Bytes file = containers::SaveGPFhead(IsGPF2, width, height, TargetTypeField);
-    if (containers::typeCodeOf(TargetTypeField) == codec::kTarget1Bit) {
-        const Bytes data = codec::SaveGPFmono(canvas);
-        file.insert(file.end(), data.begin(), data.end());
-    } else {
-        const codec::RunLengthResult encoded = codec::SaveGPFraw(canvas, containers::typeCodeOf(TargetTypeField));
-        if (encoded.outsideCanvas) return fail(makeError(ErrorCode::OutsideCanvas));
-        for (int i = 0; i < encoded.stepsBeforeStart; ++i) showMessage("err");
-        file.insert(file.end(), encoded.data.begin(), encoded.data.end());
-    }
-    containers::padContainer(file);
-    writeOutput(target, file, {source});
+    const auto encoded = edit::encodeContainer(canvas, TargetTypeField, IsGPF2);
+    if (!encoded) return fail(encoded.error());
+    for (int i = 0; i < encoded->backSteps; ++i) showMessage("err");
+    writeOutput(target, encoded->bytes, {source});
 }
 
 void Workspace::saveCanvasAsContainer(const std::string& source) {
@@ -99,13 +86,10 @@ void Workspace::BMPtoGPFtool() {
     }
     const auto file = readFile(source, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    ByteReader in(*file);
-    const codec::BmpHeadResult head = codec::LoadBMPhead(in);
-    if (head.error) return fail(*head.error);
-    GlyphShown = false;
-    const Status loaded = codec::LoadBMP(in, head.header, canvas);
+    const Status loaded = edit::loadBmpPicture(*file, canvas);
     if (!loaded) return fail(loaded.error());
-    preview = Preview{Preview::Source::Picture, head.header.width, head.header.height};
+    GlyphShown = false;
+    preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};
 
     saveCanvasAsContainer(source);
 }
@@ -121,12 +105,10 @@ void Workspace::PNGtoGPFtool() {
     }
     const auto file = readFile(source, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    ByteReader in(*file);
-    const codec::PngHeadResult head = codec::LoadPNGhead(in);
-    PngColourTypeName = head.head.colourTypeName;
-    PngResolutionText = head.head.resolutionText;
-    if (head.error) return fail(*head.error);
-    const Status decoded = codec::decodePng(*file, canvas);
+    edit::PngFacts facts;
+    const Status decoded = edit::loadPngPicture(*file, canvas, facts);
+    PngColourTypeName = facts.colourTypeName;
+    PngResolutionText = facts.resolutionText;
     if (!decoded) return fail(decoded.error());
     preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};
 
@@ -219,10 +201,7 @@ void Workspace::mnu_ToolsGPFakaGPF2() {
 std::string Workspace::MakeEmptyGPF2() {
     const std::string path = temporaryPath("/empty.gpf2");
     deleteFile(path);
-    // Always the 48-byte container of a 1 x 1 monochrome picture: header and 16 zero bytes.
-    Bytes file = containers::SaveGPFhead(true, 1, 1, std::string{'\x01', '\0'});
-    containers::padContainer(file);
-    (void)writeFile(path, file);
+    (void)writeFile(path, edit::emptyContainer());
     return path;
 }
 

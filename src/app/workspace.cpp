@@ -147,10 +147,14 @@ void Workspace::setProgress(double percent) {
     ui.setProgress(percent);
 }
 
-std::string Workspace::informationText(int width, int height, int bits, const std::string& compression,
-                                       const std::string& length) const {
-    return "Width:" + signedText(width) + "\r" + "Height:" + signedText(height) + "\r" + "Bits:" + signedText(bits) +
-           "\r" + "Compression: " + compression + "\r" + "\r" + "Lenght: 0x" + length;
+void Workspace::takeDecoded(const edit::DecodedPicture& decoded) {
+    picture.width = decoded.width;
+    picture.height = decoded.height;
+    picture.typeCode = decoded.typeCode;
+    picture.typeText = decoded.typeText;
+    picture.compression = decoded.compression;
+    picture.bits = decoded.bits;
+    picture.dataLength = hexText(decoded.dataLength);
 }
 
 const firmware::PictureRecord* Workspace::selectedPicture() const {

@@ -14,6 +14,7 @@
 #include "base/result.h"
 #include "app/user_interface.h"
 #include "codec/pixel_canvas.h"
+#include "edit/picture_decode.h"
 #include "firmware/identification.h"
 #include "firmware/picture_record.h"
 #include "fonts/font_patch.h"
@@ -101,8 +102,6 @@ public:
     void mnuPopup_SavePatch();
     void mnuPopup_DiscardPatch();               // drops the collected patch and its marks
     bool mnuPopup_SavePatchEnabled() const { return PatchInProgress; }
-    // The free-space search from FreeSpaceStart; on success FreeSpaceStart moves past the area.
-    std::optional<std::uint32_t> FindFreeSpace(std::uint32_t size);
     std::string collectingPatchPath() const;
 
     // ---- Tools: Make, the other tool's patches, checking and applying a patch
@@ -245,8 +244,8 @@ private:
     // The save dialog of the encoding tools, with the OK/Cancel replacement question.
     std::optional<std::string> askContainerTarget(const std::string& source);
     std::vector<std::string> protectedInputs(const std::vector<std::string>& inputs) const;
-    std::string informationText(int width, int height, int bits, const std::string& compression,
-                                const std::string& length) const;
+    // What a decode leaves for the commands that follow: size, type, depth and length.
+    void takeDecoded(const edit::DecodedPicture& decoded);
     const firmware::PictureRecord* selectedPicture() const;
     const fonts::GlyphRecord* selectedGlyph() const;
     std::int64_t fontAreaOffsetValue() const;

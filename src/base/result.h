@@ -30,6 +30,9 @@ enum class ErrorCode {
     GlyphOutsideGrid,   // a glyph or bitmap that does not fit the glyph grid
     BadOffset,          // an offset that cannot be used (data offset 0, before the file)
     Overflow,           // a number does not fit where it has to go
+    ModelNotSupported,  // a fullflash of another phone (the model text is the detail)
+    FlashTooShort,      // a fullflash too short for its fixed structures (its size is the detail)
+    NoFreeSpace,        // no free area large enough for a moved picture
 };
 
 struct Error {

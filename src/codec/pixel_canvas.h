@@ -40,7 +40,6 @@ public:
     int metaWidth = 0;
     int metaHeight = 0;
     int metaDepth = 0;
-    std::string metaLength;
 
 private:
     int m_columns;

@@ -52,7 +52,7 @@ TEST(LoadPIC, informationTextAndLength) {
     Session s(sampleFlash());
     s.show(0);
     EXPECT_EQ(s.ws.PICinfo, "Width: 3\rHeight: 2\rBits: 16\rCompression: No\r\rLenght: 0xC");
-    EXPECT_EQ(s.ws.canvas.metaLength, "C");
+    EXPECT_EQ(s.ws.picture.dataLength, "C");
     EXPECT_EQ(s.ws.ShownPicture, 0);
     EXPECT_EQ(s.ws.canvas.at(0, 0), (codec::Cell{255, 0, 0, 0}));
     EXPECT_EQ(s.ws.canvas.at(1, 1), (codec::Cell{255, 255, 255, 0}));

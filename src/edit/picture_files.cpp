@@ -1,0 +1,70 @@
+#include "edit/picture_files.h"
+
+#include "codec/bmp_file.h"
+#include "codec/picture_encoder.h"
+#include "codec/picture_type.h"
+#include "codec/png_file.h"
+#include "containers/dat_header.h"
+#include "containers/gpf_header.h"
+
+namespace korvatek::edit {
+
+Result<ContainerHead> readContainerHead(ByteReader& in, bool themeCache) {
+    ContainerHead head;
+    if (themeCache) {
+        const containers::DatHeader dat = containers::LoadDAThead(in);
+        head = {dat.width, dat.height, dat.typeText, false};
+    } else {
+        const auto gpf = containers::LoadGPFhead(in);
+        if (!gpf) return gpf.error();
+        head = {gpf->width, gpf->height, gpf->typeText, gpf->isGPF2};
+    }
+    if (head.width > codec::kMaxPictureWidth || head.height > codec::kMaxPictureHeight)
+        return makeError(ErrorCode::PictureTooLarge);
+    return head;
+}
+
+Status loadBmpPicture(ByteView file, codec::PixelCanvas& canvas) {
+    ByteReader in(file);
+    const codec::BmpHeadResult head = codec::LoadBMPhead(in);
+    if (head.error) return *head.error;
+    return codec::LoadBMP(in, head.header, canvas);
+}
+
+Status loadPngPicture(ByteView file, codec::PixelCanvas& canvas, PngFacts& facts) {
+    ByteReader in(file);
+    const codec::PngHeadResult head = codec::LoadPNGhead(in);
+    facts.colourTypeName = head.head.colourTypeName;
+    facts.resolutionText = head.head.resolutionText;
+    if (head.error) return *head.error;
+    return codec::decodePng(file, canvas);
+}
+
+Result<EncodedContainer> encodeContainer(const codec::PixelCanvas& canvas, const std::string& typeField, bool gpf2) {
+    const int width = canvas.metaWidth;
+    const int height = canvas.metaHeight;
+    const auto fitsVersion1 = [](int size) { return size >= 0 && size <= containers::kGpf1MaxSize; };
+    if (!gpf2 && !(fitsVersion1(width) && fitsVersion1(height))) return makeError(ErrorCode::GpfV1TooLarge);
+    EncodedContainer out;
+    out.bytes = containers::SaveGPFhead(gpf2, width, height, typeField);
+    const int target = containers::typeCodeOf(typeField);
+    if (target == codec::kTarget1Bit) {
+        const Bytes data = codec::SaveGPFmono(canvas);
+        out.bytes.insert(out.bytes.end(), data.begin(), data.end());
+    } else {
+        const codec::RunLengthResult encoded = codec::SaveGPFraw(canvas, target);
+        if (encoded.outsideCanvas) return makeError(ErrorCode::OutsideCanvas);
+        out.backSteps = encoded.stepsBeforeStart;
+        out.bytes.insert(out.bytes.end(), encoded.data.begin(), encoded.data.end());
+    }
+    containers::padContainer(out.bytes);
+    return out;
+}
+
+Bytes emptyContainer() {
+    Bytes file = containers::SaveGPFhead(true, 1, 1, std::string{'\x01', '\0'});
+    containers::padContainer(file);
+    return file;
+}
+
+}  // namespace korvatek::edit
