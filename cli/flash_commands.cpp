@@ -3,10 +3,14 @@
 #include <filesystem>
 #include <string>
 
-#include "base/file_io.h"
 #include "arguments.h"
+#include "base/file_io.h"
+#include "codec/bmp_file.h"
 #include "commands.h"
-#include "session.h"
+#include "console.h"
+#include "edit/picture_decode.h"
+#include "firmware/layout.h"
+#include "opening.h"
 
 namespace korvatek::cli {
 
@@ -16,17 +20,34 @@ bool endsWith(const std::string& text, const std::string& tail) {
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
+// The information text, one line per text line: on stdout, or on stderr when stdout carries
+// the output file itself.
+void printInformation(const std::string& text, bool onStandardError = false) {
+    if (text.empty()) return;
+    std::string lines = text;
+    for (char& c : lines)
+        if (c == '\r') c = '\n';
+    std::fprintf(onStandardError ? stderr : stdout, "%s\n", lines.c_str());
+}
+
+// Decodes a picture and tells what stopped or refused it; false when nothing may be written.
+bool decodeTold(const Console& console, const edit::DecodedPicture& decoded) {
+    if (decoded.stopped) console.fail(*decoded.stopped);
+    else if (decoded.refused) console.fail(*decoded.refused);
+    return !decoded.stopped && !decoded.refused;
+}
+
 }  // namespace
 
 int runInfo(const Words& words) {
     const Command& command = commandNamed("info");
     const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
-    Session session;
-    if (!session.openFlash(args.positional[0])) return 1;
-    const app::Workspace& ws = session.workspace();
-    std::printf("model: %s\npack: %s\nfirmware: %s\nfonts: %zu\npictures: %zu\n", ws.PhoneModel.c_str(),
-                ws.LanguagePack.c_str(), ws.FirmwareId.c_str(), ws.Ftype.size(), ws.ListView1.size());
+    Console console;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    std::printf("model: %s\npack: %s\nfirmware: %s\nfonts: %zu\npictures: %zu\n", flash->model.c_str(),
+                flash->pack.c_str(), flash->firmwareId.c_str(), flash->fonts.size(), flash->pictures.size());
     return 0;
 }
 
@@ -34,11 +55,12 @@ int runPictures(const Words& words) {
     const Command& command = commandNamed("pictures");
     const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
-    Session session;
-    if (!session.openFlash(args.positional[0])) return 1;
+    Console console;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
     std::string out;
-    out.reserve(session.workspace().ListView1.size() * 48);
-    for (const auto& row : session.workspace().ListView1) {
+    out.reserve(flash->pictures.size() * 48);
+    for (const auto& row : flash->pictures) {
         for (int column = 1; column <= 7; ++column) {
             out += firmware::pictureCellText(row, column);
             out += column < 7 ? '\t' : '\n';
@@ -54,51 +76,82 @@ int runPicture(const Words& words) {
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     const auto n = parseNumber(args.positional[1]);
     if (!n) return usageError(command, "N must be a picture number");
-    Session session;
-    if (!session.openFlash(args.positional[0]) || !session.selectPicture(*n)) return 1;
-    app::Workspace& ws = session.workspace();
-    ws.ListView1_Click();
-    session.printInformation();
-    return ws.ActionFailed || ws.lastDecodeRefused ? 1 : 0;
+    Console console;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    const firmware::PictureRecord* row = pictureNumbered(console, *flash, *n);
+    if (row == nullptr) return 1;
+    edit::PictureDecoder decoder;
+    const edit::DecodedPicture decoded = decoder.flashPicture(flash->bytes(), *row, 24);
+    const bool shown = decodeTold(console, decoded);
+    if (!decoded.stopped) printInformation(edit::pictureInformation(decoded));
+    return shown ? 0 : 1;
 }
 
 namespace {
 
-int exportOne(Session& session, int n, const std::string& out, bool alpha) {
-    app::Workspace& ws = session.workspace();
+int exportOne(Console& console, const edit::OpenedFlash& flash, int n, const std::string& out, bool alpha) {
     const bool asGpf2 = endsWith(out, ".gpf2");  // "-" (standard output) is a BMP
-    if (!session.selectPicture(n)) return 1;
-    // Decode first, as the one-item save does for a picture not shown yet, so that a picture
-    // that cannot be decoded writes no file.
-    ws.SuppressAlphaPrompt = asGpf2;
-    session.ui().alphaAnswer = alpha;
-    ws.LoadPIC();
-    if (ws.ActionFailed || ws.lastDecodeRefused) return 1;
-    session.ui().saveFiles.push_back(out);
-    if (asGpf2)
-        ws.mnuPopup_SaveGPF();
-    else
-        ws.mnuPopup_SaveBMP();
-    return ws.ActionFailed ? 1 : 0;
+    const firmware::PictureRecord* row = pictureNumbered(console, flash, n);
+    if (row == nullptr) return 1;
+    // Decoded first, so that a picture that cannot be decoded writes no file. Alpha is kept
+    // only for a BMP of a 24-bit picture, when asked for.
+    edit::PictureDecoder decoder;
+    const int depth = !asGpf2 && alpha && decoder.bitsFor(row->listedType()) == 24 ? 32 : 24;
+    const edit::DecodedPicture decoded = decoder.flashPicture(flash.bytes(), *row, depth);
+    if (!decodeTold(console, decoded)) return 1;
+    if (asGpf2) {
+        if (!console.prepare(out, {flash.path})) return 1;
+        return console.write(out, edit::flashPictureContainer(flash.bytes(), *row, decoded), {flash.path}) ? 0 : 1;
+    }
+    const auto bmp = codec::encodeBmp(decoder.canvas(), depth);
+    if (!bmp) {
+        console.fail(bmp.error());
+        return 1;
+    }
+    if (!console.prepare(out, {flash.path})) return 1;
+    return console.write(out, *bmp, {flash.path}) ? 0 : 1;
 }
 
-int exportAll(Session& session, const std::string& dir, const std::string& format, bool alpha) {
-    app::Workspace& ws = session.workspace();
-    if (ws.ListView1.empty()) return 1;
+int exportAll(Console& console, const edit::OpenedFlash& flash, std::string dir, const std::string& format,
+              bool alpha) {
+    if (flash.pictures.empty()) return 1;
     std::error_code ec;
     std::filesystem::create_directories(app::toPath(dir), ec);
     if (!std::filesystem::is_directory(app::toPath(dir), ec)) {
-        ws.showMessage(ws.msg(settings::MessageKey::MsgCannotWriteFile) + dir);
+        console.say(console.msg(settings::MessageKey::MsgCannotWriteFile) + dir);
         return 1;
     }
-    session.ui().folders.push_back(dir);
-    if (format == "gpf2") {
-        ws.mnuPopup_SaveAllGPF();
-    } else {
-        session.ui().answers.push_back(alpha);
-        ws.mnuPopup_SaveAllBMP();
+    while (dir.size() > 1 && (dir.back() == '/' || dir.back() == '\\')) dir.pop_back();
+    // One decoder for the whole run: a type without a format decodes with the depth before it.
+    edit::PictureDecoder decoder;
+    const bool bmp = format == "bmp";
+    const int last = std::min(firmware::kPictureMaxIndex, static_cast<int>(flash.pictures.size()) - 1);
+    for (int n = 0; n <= last; ++n) {
+        const firmware::PictureRecord& row = flash.pictures[static_cast<std::size_t>(n)];
+        const int depth = bmp && alpha && decoder.bitsFor(row.listedType()) == 24 ? 32 : 24;
+        const edit::DecodedPicture decoded = decoder.flashPicture(flash.bytes(), row, depth);
+        // A picture that cannot be decoded at all is not written; a refused format is told
+        // and written as it stands; the run goes on.
+        if (decoded.stopped) {
+            console.fail(*decoded.stopped);
+            continue;
+        }
+        if (decoded.refused) console.fail(*decoded.refused);
+        const std::string target = app::joinPath(dir, row.numberText() + (bmp ? ".bmp" : ".gpf2"));
+        if (!bmp) {
+            if (console.prepare(target, {flash.path}))
+                console.write(target, edit::flashPictureContainer(flash.bytes(), row, decoded), {flash.path});
+            continue;
+        }
+        const auto encoded = codec::encodeBmp(decoder.canvas(), depth);
+        if (!encoded) {
+            console.fail(encoded.error());
+            continue;
+        }
+        if (console.prepare(target, {flash.path})) console.write(target, *encoded, {flash.path});
     }
-    return ws.outputFailures > 0 ? 1 : 0;
+    return console.failures() > 0 ? 1 : 0;
 }
 
 }  // namespace
@@ -108,14 +161,15 @@ int runExport(const Words& words) {
     const Arguments args = parseArguments(words, {"-o", "--dir", "--format"}, {"--alpha"});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     const bool alpha = args.has("--alpha");
+    Console console;
     if (args.positional[1] == "all") {
         const auto dir = args.value("--dir");
         const auto format = args.value("--format");
         if (!dir || !format || (*format != "gpf2" && *format != "bmp") || args.value("-o"))
             return usageError(command, "all needs --dir DIR and --format gpf2 or bmp");
-        Session session;
-        if (!session.openFlash(args.positional[0])) return 1;
-        return exportAll(session, *dir, *format, alpha);
+        const auto flash = openFlashFile(console, args.positional[0]);
+        if (!flash) return 1;
+        return exportAll(console, *flash, *dir, *format, alpha);
     }
     const auto n = parseNumber(args.positional[1]);
     const auto out = args.value("-o");
@@ -123,9 +177,9 @@ int runExport(const Words& words) {
     if (!out || !(endsWith(*out, ".gpf2") || endsWith(*out, ".bmp") || app::isStandardOutput(*out)) ||
         args.value("--dir") || args.value("--format"))
         return usageError(command, "-o must name a .gpf2 or .bmp file, or - for a BMP on standard output");
-    Session session;
-    if (!session.openFlash(args.positional[0])) return 1;
-    return exportOne(session, *n, *out, alpha);
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    return exportOne(console, *flash, *n, *out, alpha);
 }
 
 }  // namespace korvatek::cli

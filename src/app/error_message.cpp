@@ -1,5 +1,7 @@
 #include "app/error_message.h"
 
+#include "base/file_io.h"
+
 namespace korvatek::app {
 
 using settings::MessageKey;
@@ -28,6 +30,11 @@ MessageKey messageFor(ErrorCode code) {
         case ErrorCode::NoFreeSpace: return MessageKey::MsgNoFreeSpace;
     }
     return MessageKey::MsgUnknownFile;
+}
+
+std::string errorText(const settings::MessageTable& messages, const Error& error) {
+    const std::string& text = messages.text(messageFor(error.code));
+    return (error.limit ? settings::fillIn(text, "%1", limitText(*error.limit)) : text) + error.detail;
 }
 
 }  // namespace korvatek::app

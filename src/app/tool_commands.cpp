@@ -27,10 +27,6 @@ bool endsWith(const std::string& text, std::string_view tail) {
 
 std::string dropLast(const std::string& text, std::size_t n) { return text.size() > n ? text.substr(0, text.size() - n) : ""; }
 
-bool fitsVersion1(int width, int height) {
-    return width >= 0 && height >= 0 && width <= containers::kGpf1MaxSize && height <= containers::kGpf1MaxSize;
-}
-
 }  // namespace
 
 std::optional<std::string> Workspace::askContainerTarget(const std::string& source) {
@@ -145,23 +141,8 @@ void Workspace::mnu_ToolsGPFakaDAT() {
 
     const auto original = readFile(source, kMaxPictureFileSize);
     if (!original) return fail(original.error());
-    Bytes file;
-    if (fromDat) {
-        IsGPF2 = true;
-        file = containers::SaveGPFhead(true, picture.width, picture.height, picture.typeText);
-    } else {
-        file = containers::SaveDAThead(picture.width, picture.height, picture.typeText);
-    }
-    // A theme cache head is skipped as 4 bytes, so its type byte travels as the first data
-    // byte; the copy writes once more after the last byte, repeating it.
-    const std::size_t skip = fromDat ? 4 : containers::kGpfHeaderSize;
-    const Bytes& src = *original;
-    if (src.size() > skip) {
-        file.insert(file.end(), src.begin() + static_cast<std::ptrdiff_t>(skip), src.end());
-        file.push_back(src.back());
-    } else {
-        file.push_back(0);
-    }
+    if (fromDat) IsGPF2 = true;
+    const Bytes file = edit::convertThemeCache(*original, shownHead(), fromDat);
     if (writeOutput(target, file, {source})) showSuccess();
 }
 
@@ -178,7 +159,7 @@ void Workspace::mnu_ToolsGPFakaGPF2() {
     LoadGPF(source);
     if (ActionFailed) return;
     const bool toVersion2 = !IsGPF2;
-    if (!toVersion2 && !fitsVersion1(picture.width, picture.height))
+    if (!toVersion2 && !edit::fitsVersion1(picture.width, picture.height))
         return fail(makeError(ErrorCode::GpfV1TooLarge));
 
     std::string target = dropLast(source, IsGPF2 ? 5 : 4);
@@ -188,13 +169,10 @@ void Workspace::mnu_ToolsGPFakaGPF2() {
         ActionFailed = true;
         return;
     }
-    auto original = readFile(source, kMaxPictureFileSize);
+    const auto original = readFile(source, kMaxPictureFileSize);
     if (!original) return fail(original.error());
-    Bytes file = std::move(*original);
     IsGPF2 = toVersion2;
-    const Bytes header = containers::SaveGPFhead(IsGPF2, picture.width, picture.height, picture.typeText);
-    if (file.size() < header.size()) file.resize(header.size(), 0);
-    std::copy(header.begin(), header.end(), file.begin());
+    const Bytes file = edit::swapContainerVersion(*original, shownHead(), toVersion2);
     if (writeOutput(target, file, {source})) showSuccess();
 }
 

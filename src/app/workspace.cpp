@@ -85,10 +85,7 @@ void Workspace::showSuccess() {
     if (ShowSuccessMessage) showMessage(msg(MessageKey::MsgSuccess));
 }
 
-std::string Workspace::errorText(const Error& error) const {
-    const std::string& text = msg(messageFor(error.code));
-    return (error.limit ? settings::fillIn(text, "%1", limitText(*error.limit)) : text) + error.detail;
-}
+std::string Workspace::errorText(const Error& error) const { return app::errorText(messages, error); }
 
 void Workspace::fail(const Error& error) {
     showMessage(errorText(error));

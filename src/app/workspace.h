@@ -15,6 +15,7 @@
 #include "app/user_interface.h"
 #include "codec/pixel_canvas.h"
 #include "edit/picture_decode.h"
+#include "edit/picture_files.h"
 #include "firmware/identification.h"
 #include "firmware/picture_record.h"
 #include "fonts/font_patch.h"
@@ -246,6 +247,8 @@ private:
     std::vector<std::string> protectedInputs(const std::vector<std::string>& inputs) const;
     // What a decode leaves for the commands that follow: size, type, depth and length.
     void takeDecoded(const edit::DecodedPicture& decoded);
+    // The size and type of the picture last loaded, as a container head.
+    edit::ContainerHead shownHead() const { return {picture.width, picture.height, picture.typeText, IsGPF2}; }
     const firmware::PictureRecord* selectedPicture() const;
     const fonts::GlyphRecord* selectedGlyph() const;
     std::int64_t fontAreaOffsetValue() const;

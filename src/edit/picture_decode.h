@@ -40,6 +40,29 @@ DecodedPicture decodeFlashPicture(ByteView flash, const firmware::PictureRecord&
 DecodedPicture decodeContainerData(ByteReader& in, int width, int height, const std::string& typeText,
                                    int outputDepth, int carriedBits, codec::PixelCanvas& canvas);
 
+// One decoder for a run of pictures: it owns the canvas and the depth carried between them.
+class PictureDecoder {
+public:
+    DecodedPicture flashPicture(ByteView flash, const firmware::PictureRecord& record, int outputDepth) {
+        return keep(decodeFlashPicture(flash, record, outputDepth, m_bits, m_canvas));
+    }
+    DecodedPicture containerData(ByteReader& in, int width, int height, const std::string& typeText, int outputDepth) {
+        return keep(decodeContainerData(in, width, height, typeText, outputDepth, m_bits, m_canvas));
+    }
+    // The depth a type code would decode with next.
+    int bitsFor(int typeCode) const { return pictureBits(typeCode, m_bits); }
+    const codec::PixelCanvas& canvas() const { return m_canvas; }
+    codec::PixelCanvas& canvas() { return m_canvas; }
+
+private:
+    DecodedPicture keep(DecodedPicture picture) {
+        m_bits = picture.bits;
+        return picture;
+    }
+    codec::PixelCanvas m_canvas;
+    int m_bits = 0;
+};
+
 // "Width: 16\rHeight: 16\rBits: 16\rCompression: Yes\r\rLenght: 0x1F0"
 std::string pictureInformation(const DecodedPicture& picture);
 

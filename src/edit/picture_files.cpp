@@ -43,8 +43,7 @@ Status loadPngPicture(ByteView file, codec::PixelCanvas& canvas, PngFacts& facts
 Result<EncodedContainer> encodeContainer(const codec::PixelCanvas& canvas, const std::string& typeField, bool gpf2) {
     const int width = canvas.metaWidth;
     const int height = canvas.metaHeight;
-    const auto fitsVersion1 = [](int size) { return size >= 0 && size <= containers::kGpf1MaxSize; };
-    if (!gpf2 && !(fitsVersion1(width) && fitsVersion1(height))) return makeError(ErrorCode::GpfV1TooLarge);
+    if (!gpf2 && !fitsVersion1(width, height)) return makeError(ErrorCode::GpfV1TooLarge);
     EncodedContainer out;
     out.bytes = containers::SaveGPFhead(gpf2, width, height, typeField);
     const int target = containers::typeCodeOf(typeField);
@@ -59,6 +58,31 @@ Result<EncodedContainer> encodeContainer(const codec::PixelCanvas& canvas, const
     }
     containers::padContainer(out.bytes);
     return out;
+}
+
+bool fitsVersion1(int width, int height) {
+    return width >= 0 && height >= 0 && width <= containers::kGpf1MaxSize && height <= containers::kGpf1MaxSize;
+}
+
+Bytes convertThemeCache(ByteView source, const ContainerHead& head, bool fromThemeCache) {
+    Bytes file = fromThemeCache ? containers::SaveGPFhead(true, head.width, head.height, head.typeText)
+                                : containers::SaveDAThead(head.width, head.height, head.typeText);
+    const std::size_t skip = fromThemeCache ? 4 : containers::kGpfHeaderSize;
+    if (source.size() > skip) {
+        file.insert(file.end(), source.begin() + static_cast<std::ptrdiff_t>(skip), source.end());
+        file.push_back(source.back());
+    } else {
+        file.push_back(0);
+    }
+    return file;
+}
+
+Bytes swapContainerVersion(ByteView source, const ContainerHead& head, bool toVersion2) {
+    Bytes file(source.begin(), source.end());
+    const Bytes header = containers::SaveGPFhead(toVersion2, head.width, head.height, head.typeText);
+    if (file.size() < header.size()) file.resize(header.size(), 0);
+    std::copy(header.begin(), header.end(), file.begin());
+    return file;
 }
 
 Bytes emptyContainer() {

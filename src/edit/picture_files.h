@@ -40,6 +40,14 @@ struct EncodedContainer {
 // length), version 2 or 1. Version 1 cannot hold sizes above 255 (GpfV1TooLarge).
 Result<EncodedContainer> encodeContainer(const codec::PixelCanvas& canvas, const std::string& typeField, bool gpf2);
 
+// GPF<>DAT: a container and a theme cache file into each other, the head rewritten from the
+// picture's size and type. A theme cache head is skipped as 4 bytes, so its type byte travels
+// as the first data byte; the copy writes once more after the last byte, repeating it.
+Bytes convertThemeCache(ByteView source, const ContainerHead& head, bool fromThemeCache);
+// GPF<>GPF2: the other version's head over the same data.
+Bytes swapContainerVersion(ByteView source, const ContainerHead& head, bool toVersion2);
+bool fitsVersion1(int width, int height);
+
 // The 48-byte container of a 1 x 1 monochrome picture that stands in for a missing one.
 Bytes emptyContainer();
 
