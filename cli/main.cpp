@@ -92,6 +92,8 @@ int runCommandLine(const std::vector<std::string>& arguments) {
 #ifdef SIGHUP
     std::signal(SIGHUP, onInterrupt);
 #endif
+    // Whatever a killed run left in the temporary folder goes, whether or not this one needs it.
+    app::removeEndedPrivateFolders(app::temporaryFolder());
     if (arguments.empty()) {
         printHelp(stderr);
         return 2;

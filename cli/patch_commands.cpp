@@ -2,11 +2,20 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "arguments.h"
 #include "base/file_io.h"
 #include "base/hex_text.h"
-#include "arguments.h"
 #include "commands.h"
-#include "session.h"
+#include "console.h"
+#include "app/error_message.h"
+#include "codec/picture_encoder.h"
+#include "codec/picture_type.h"
+#include "edit/patch_files.h"
+#include "edit/picture_files.h"
+#include "edit/picture_patch.h"
+#include "firmware/layout.h"
+#include "opening.h"
+#include "patch/vkp_apply.h"
 
 namespace korvatek::cli {
 
@@ -26,7 +35,7 @@ bool endsWith(const std::string& text, const std::string& tail) {
     return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
-// One replacement of the command line, as the window's sequence of gestures would do it.
+// One replacement of the command line.
 struct Replacement {
     enum class Kind { Gpf, Bmp, Png, GpfFolder, BmpFolder } kind;
     int number = 0;
@@ -72,53 +81,183 @@ std::optional<Replacement> parseReplacement(const std::string& option, const std
     return r;
 }
 
-// Runs one replacement; false when it was refused (its messages are on stderr).
-bool replace(Session& session, const Replacement& r) {
-    app::Workspace& ws = session.workspace();
-    CliInterface& ui = session.ui();
-    const int problemsBefore = ui.problems;
-    const std::string lengthBefore = ws.picture.dataLength;
-    bool accepted = false;
-    const bool folder = r.kind == Replacement::Kind::GpfFolder || r.kind == Replacement::Kind::BmpFolder;
-    if (folder && !std::filesystem::is_directory(app::toPath(r.path))) {
-        ws.showMessage(ws.msg(MessageKey::MsgFileNotExist) + " " + r.path);
+// The replacements of one `patch` run, in order, as the same sequence of single replacements
+// in the window would make them: each picture's own data are decoded first (their length
+// decides between in place and free space), free space is handed out in order, and the depth
+// and target type carry from one replacement to the next as they do there.
+class PatchRun {
+public:
+    PatchRun(Console& console, const edit::OpenedFlash& flash) : m_console(console), m_flash(flash), m_patch(flash) {}
+
+    // False when the replacement (or any picture of a folder) was refused; its messages are told.
+    bool run(const Replacement& r);
+    const edit::PicturePatch& patch() const { return m_patch; }
+
+private:
+    void say(const std::string& text) {
+        ++m_told;
+        m_console.say(text);
+    }
+    void fail(const Error& error) { say(m_console.errorText(error)); }
+    // Decodes picture n's own data; its length becomes the one a replacement is compared with.
+    void decodeOwn(const firmware::PictureRecord& row);
+    bool refusedAsReplaced(const firmware::PictureRecord& row);
+    // The container read, decoded and placed over picture `row`; false when refused.
+    bool place(const firmware::PictureRecord& row, const Bytes& container);
+    // A BMP or PNG encoded into a GPF2 container of the current target type.
+    std::optional<Bytes> encode(const std::string& path, bool png);
+    bool single(const Replacement& r);
+    bool gpfFolder(const std::string& folder);
+    bool bmpFolder(const std::string& folder, int target);
+
+    Console& m_console;
+    const edit::OpenedFlash& m_flash;
+    edit::PicturePatch m_patch;
+    edit::PictureDecoder m_decoder;
+    std::int64_t m_length = 0;                          // the length the next placement compares with
+    std::string m_target = std::string{'\x85', '\0'};   // the target type field
+    int m_told = 0;                                     // messages told so far
+};
+
+void PatchRun::decodeOwn(const firmware::PictureRecord& row) {
+    const edit::DecodedPicture own = m_decoder.flashPicture(m_flash.bytes(), row, 24);
+    m_length = edit::listedLength(own.dataLength);
+    if (own.stopped) fail(*own.stopped);
+    else if (own.refused) fail(*own.refused);
+}
+
+bool PatchRun::refusedAsReplaced(const firmware::PictureRecord& row) {
+    if (!m_patch.isReplaced(row.number)) return false;
+    say(m_console.msg(MessageKey::MsgAlreadyReplaced));
+    return true;
+}
+
+bool PatchRun::place(const firmware::PictureRecord& row, const Bytes& container) {
+    const std::int64_t oldLength = m_length;
+    ByteReader in(container);
+    const auto head = edit::readContainerHead(in, false);
+    if (!head) {
+        fail(head.error());
         return false;
     }
-    switch (r.kind) {
-        case Replacement::Kind::GpfFolder:
-            ui.folders.push_back(r.path);
-            ws.mnuPopup_LoadGPFfolder();
-            return ui.problems == problemsBefore;
-        case Replacement::Kind::BmpFolder:
-            ui.folders.push_back(r.path);
-            if (r.target == 0)
-                ws.mnuPopup_LoadBMPs_Origbit();
-            else
-                ws.mnuPopup_LoadBMPs(r.target);
-            return ui.problems == problemsBefore && !ws.ActionFailed;
-        default:
-            break;
+    const edit::DecodedPicture replacement = m_decoder.containerData(in, head->width, head->height, head->typeText, 24);
+    if (replacement.stopped) {
+        fail(*replacement.stopped);
+        return false;
     }
-    if (!session.selectPicture(r.number)) return false;
-    // The row is selected and decoded first, as a click in the list does.
-    ws.ListView1_Click();
-    ws.ActionFailed = false;
+    m_length = edit::listedLength(replacement.dataLength);
+    if (replacement.refused) fail(*replacement.refused);  // told; the data go in as they are
+    const edit::PicturePlacement placed = m_patch.add(row, oldLength, container, replacement);
+    if (placed.error) fail(*placed.error);
+    return !placed.error;
+}
+
+std::optional<Bytes> PatchRun::encode(const std::string& path, bool png) {
+    const auto file = app::readFile(path, app::kMaxPictureFileSize);
+    if (!file) {
+        fail(file.error());
+        return std::nullopt;
+    }
+    codec::PixelCanvas canvas;
+    edit::PngFacts facts;
+    const Status loaded = png ? edit::loadPngPicture(*file, canvas, facts) : edit::loadBmpPicture(*file, canvas);
+    if (!loaded) {
+        fail(loaded.error());
+        return std::nullopt;
+    }
+    const auto encoded = edit::encodeContainer(canvas, m_target, true);
+    if (!encoded) {
+        fail(encoded.error());
+        return std::nullopt;
+    }
+    for (int i = 0; i < encoded->backSteps; ++i) say("err");
+    return encoded->bytes;
+}
+
+bool PatchRun::single(const Replacement& r) {
+    const firmware::PictureRecord* row = pictureNumbered(m_console, m_flash, r.number);
+    if (row == nullptr) return false;
+    const std::int64_t lengthBefore = m_length;
+    decodeOwn(*row);
+    bool accepted = false;
     if (r.kind == Replacement::Kind::Gpf) {
-        ui.openFiles.push_back(r.path);
-        ws.mnuPopup_LoadGPF();
-    } else if (r.kind == Replacement::Kind::Bmp) {
-        ui.openFiles.push_back(r.path);
-        ws.mnuPopup_LoadBMP(r.target);
+        if (!refusedAsReplaced(*row)) {
+            if (app::CheckFexist(r.path)) {
+                say(m_console.msg(MessageKey::MsgFileNotExist));
+            } else if (const auto file = app::readFile(r.path, app::kMaxPictureFileSize); !file) {
+                fail(file.error());
+            } else {
+                accepted = place(*row, *file);
+            }
+        }
     } else {
-        ws.TargetTypeField = std::string{static_cast<char>(r.target), '\0'};
-        ws.ReplacePictureFromPNG(r.path);
+        m_target = std::string{static_cast<char>(r.target), '\0'};
+        if (!refusedAsReplaced(*row)) {
+            if (const auto container = encode(r.path, r.kind == Replacement::Kind::Png))
+                accepted = place(*row, *container);
+        }
     }
-    // A replacement refused before its dialog leaves its file unasked: it must not answer the next.
-    ui.openFiles.clear();
-    accepted = ws.ListView1[static_cast<std::size_t>(r.number)].replaced && !ws.ActionFailed;
     // A refused replacement leaves the length the next one starts from as it was.
-    if (!accepted) ws.picture.dataLength = lengthBefore;
+    if (!accepted) m_length = lengthBefore;
     return accepted;
+}
+
+bool PatchRun::gpfFolder(const std::string& folder) {
+    const int toldBefore = m_told;
+    const int last = std::min(firmware::kPictureMaxIndex, static_cast<int>(m_flash.pictures.size()) - 1);
+    for (int n = 0; n <= last; ++n) {
+        const std::string path = app::joinPath(folder, app::zeroPadded(n, 4) + ".gpf2");
+        if (app::CheckFexist(path)) continue;
+        const firmware::PictureRecord& row = m_flash.pictures[static_cast<std::size_t>(n)];
+        if (refusedAsReplaced(row)) continue;
+        decodeOwn(row);
+        if (const auto file = app::readFile(path, app::kMaxPictureFileSize); !file)
+            fail(file.error());
+        else
+            place(row, *file);
+    }
+    return m_told == toldBefore;
+}
+
+bool PatchRun::bmpFolder(const std::string& folder, int target) {
+    const int toldBefore = m_told;
+    const int last = std::min(firmware::kPictureMaxIndex, static_cast<int>(m_flash.pictures.size()) - 1);
+    if (target != 0) m_target = std::string{static_cast<char>(target), '\0'};
+    for (int n = 0; n <= last; ++n) {
+        const std::string path = app::joinPath(folder, app::zeroPadded(n, 4) + ".bmp");
+        if (app::CheckFexist(path)) continue;
+        const firmware::PictureRecord& row = m_flash.pictures[static_cast<std::size_t>(n)];
+        if (refusedAsReplaced(row)) continue;
+        // "orig": each picture keeps its own depth (8-bit 0x85, 12- and 16-bit 0x88, 24-bit
+        // 0x8A, 1-bit monochrome); a type without a format keeps the target as it was.
+        if (target == 0) {
+            if (const auto bits = codec::bitsForTypeCode(row.listedType())) {
+                const int own = *bits == 1    ? codec::kTarget1Bit
+                                : *bits == 8  ? codec::kTarget8Bit
+                                : *bits == 24 ? codec::kTarget24Bit
+                                              : codec::kTarget16Bit;
+                m_target = std::string{static_cast<char>(own), '\0'};
+            }
+        }
+        // The pictures of a folder are not decoded first: each is compared with the length of
+        // whatever was decoded last, as the window's folder command has always done.
+        const auto container = encode(path, false);
+        if (!container) return false;  // a bitmap that cannot be converted ends the folder
+        place(row, *container);         // a picture that finds no room is told; the rest go on
+    }
+    return m_told == toldBefore;
+}
+
+bool PatchRun::run(const Replacement& r) {
+    const bool folder = r.kind == Replacement::Kind::GpfFolder || r.kind == Replacement::Kind::BmpFolder;
+    if (!folder) return single(r);
+    if (!std::filesystem::is_directory(app::toPath(r.path))) {
+        say(m_console.msg(MessageKey::MsgFileNotExist) + " " + r.path);
+        return false;
+    }
+    std::string path = r.path;
+    while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
+    return r.kind == Replacement::Kind::GpfFolder ? gpfFolder(path) : bmpFolder(path, r.target);
 }
 
 }  // namespace
@@ -142,23 +281,23 @@ int runPatch(const Words& words) {
         replacements.push_back(*r);
     }
     if (replacements.empty()) return usageError(command, "no replacement given");
-    Session session;
+    Console console;
     std::vector<std::string> inputs{args.positional[0]};
     for (const auto& r : replacements) {
         if (r.kind == Replacement::Kind::GpfFolder || r.kind == Replacement::Kind::BmpFolder)
-            Session::addFolderFiles(r.path, inputs);
+            Console::addFolderFiles(r.path, inputs);
         else
             inputs.push_back(r.path);
     }
-    if (!session.outputAllowed(*out, inputs)) return 1;
-    if (!session.openFlash(args.positional[0])) return 1;
+    if (!console.outputAllowed(*out, inputs)) return 1;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    PatchRun run(console, *flash);
     bool allAccepted = true;
-    for (const auto& r : replacements) allAccepted = replace(session, r) && allAccepted;
-    app::Workspace& ws = session.workspace();
-    if (!ws.PatchInProgress) return 1;  // nothing accepted: nothing written
-    session.ui().saveFiles.push_back(*out);
-    ws.mnuPopup_SavePatch();
-    if (ws.ActionFailed) return 1;
+    for (const auto& r : replacements) allAccepted = run.run(r) && allAccepted;
+    if (run.patch().empty()) return 1;  // nothing accepted: nothing written
+    if (!console.prepare(*out, {flash->path})) return 1;
+    if (!console.write(*out, bytesOf(run.patch().text()), {flash->path})) return 1;
     return allAccepted ? 0 : 1;
 }
 
@@ -168,50 +307,102 @@ int runApply(const Words& words) {
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 2 || !out) return usageError(command, args.error);
     if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
-    Session session;
-    app::Workspace& ws = session.workspace();
+    Console console;
     if (*out == args.positional[0] || app::sameFile(*out, args.positional[0])) {
-        ws.showMessage(ws.msg(MessageKey::MsgPatchSameFile));
+        console.say(console.msg(MessageKey::MsgPatchSameFile));
         return 1;
     }
-    if (!session.openFlash(args.positional[0])) return 1;
-    session.ui().openFiles.push_back(args.positional[1]);
-    session.ui().saveFiles.push_back(*out);
-    session.ui().fixedAnswers[ws.msg(MessageKey::MsgOpenPatchedCopy)] = false;
-    ws.mnu_ToolsCheckPatch();
-    return ws.ActionFailed ? 1 : 0;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    const std::string& source = args.positional[1];
+    const auto check = edit::checkPatchFile(flash->bytes(), source);
+    if (!check) {
+        console.fail(check.error());
+        return 1;
+    }
+    if (const std::string problems = app::patchProblemsText(settings::MessageTable(), *check); !problems.empty()) {
+        console.say(problems);
+        return 1;
+    }
+    if (!console.prepare(*out, {source, flash->path})) return 1;
+    const Bytes patched = patch::applyEdits(check->parsed.edits, flash->bytes());
+    return console.write(*out, patched, {source, flash->path}) ? 0 : 1;
 }
+
+namespace {
+
+// A folder argument as the folder picker gives it: without a trailing separator.
+std::string folderOf(std::string path) {
+    while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
+    return path;
+}
+
+}  // namespace
 
 int runMake(const Words& words) {
     const Command& command = commandNamed("make");
     const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
-    Session session;
-    app::Workspace& ws = session.workspace();
+    Console console;
     if (!std::filesystem::is_directory(app::toPath(args.positional[0]))) {
-        ws.showMessage(ws.msg(MessageKey::MsgFileNotExist) + " " + args.positional[0]);
+        console.say(console.msg(MessageKey::MsgFileNotExist) + " " + args.positional[0]);
         return 1;
     }
     std::error_code ec;
     std::filesystem::create_directories(app::toPath(args.positional[1]), ec);
-    session.ui().folders.push_back(args.positional[0]);
-    session.ui().folders.push_back(args.positional[1]);
-    ws.mnu_ToolsMake();
-    return ws.ActionFailed || ws.outputFailures > 0 ? 1 : 0;
+    const std::string source = folderOf(args.positional[0]);
+    const std::string output = folderOf(args.positional[1]);
+    const std::string dataName = "0x0" + app::hexText(firmware::kPictureDataStart) + ".bin";
+    const std::string tableName = "0x0" + app::hexText(firmware::kPictureTableOffset) + ".bin";
+    const std::string dataPath = app::joinPath(output, dataName);
+    const std::string tablePath = app::joinPath(output, tableName);
+    // The notice names the bare file, without its folder.
+    for (const auto& [path, name] : {std::pair{dataPath, dataName}, std::pair{tablePath, tableName}}) {
+        if (!console.outputAllowed(path, {})) return 1;
+        if (!app::CheckFexist(path)) console.say(console.msg(MessageKey::MsgFile) + name + console.msg(MessageKey::MsgFileExists));
+    }
+    const auto area = edit::makePictureArea(source, firmware::kPictureMaxIndex, [&](const std::string& name) {
+        console.say(console.msg(MessageKey::MsgFile) + name + ".gpf2 (or .gpf)" + console.msg(MessageKey::MsgReplacedByEmpty));
+    });
+    if (!area) {
+        console.fail(area.error());
+        return 1;
+    }
+    if (area->overflow) console.say(console.msg(MessageKey::MsgTooMuchSpace));
+    const bool dataWritten = console.write(dataPath, area->data, {});
+    const bool tableWritten = console.write(tablePath, area->table, {});
+    return area->overflow || !dataWritten || !tableWritten ? 1 : 0;
 }
 
 int runLumbra(const Words& words) {
     const Command& command = commandNamed("lumbra");
     const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
-    Session session;
-    app::Workspace& ws = session.workspace();
+    Console console;
+    const std::string& source = args.positional[0];
     std::error_code ec;
     std::filesystem::create_directories(app::toPath(args.positional[1]), ec);
-    session.ui().openFiles.push_back(args.positional[0]);
-    session.ui().folders.push_back(args.positional[1]);
-    ws.mnu_ToolsConvertLumbrapatch();
-    return ws.ActionFailed || ws.outputFailures > 0 ? 1 : 0;
+    if (app::CheckFexist(source)) {
+        console.say(console.msg(MessageKey::MsgFileNotExist));
+        return 1;
+    }
+    const auto pictures = edit::containersOfOtherPatch(source);
+    if (!pictures) {
+        console.fail(pictures.error());
+        return 1;
+    }
+    const std::string folder = folderOf(args.positional[1]);
+    for (const auto& [name, file] : *pictures) {
+        // The existence test and the deletion use the bare name, as they always have; the
+        // file made next lies in the chosen folder and replaces any older one there.
+        // Only a plain file is deleted so, never the patch being read nor a folder or device.
+        if (!app::CheckFexist(name)) {
+            console.say(console.msg(MessageKey::MsgFile) + name + console.msg(MessageKey::MsgFileExists));
+            if (std::filesystem::is_regular_file(app::toPath(name), ec) && !app::sameFile(name, source)) app::deleteFile(name);
+        }
+        console.write(app::joinPath(folder, name), file, {source});
+    }
+    return console.failures() > 0 ? 1 : 0;
 }
 
 }  // namespace korvatek::cli

@@ -1,6 +1,7 @@
 #include "app/error_message.h"
 
 #include "base/file_io.h"
+#include "base/hex_text.h"
 
 namespace korvatek::app {
 
@@ -30,6 +31,28 @@ MessageKey messageFor(ErrorCode code) {
         case ErrorCode::NoFreeSpace: return MessageKey::MsgNoFreeSpace;
     }
     return MessageKey::MsgUnknownFile;
+}
+
+std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check) {
+    std::string problems;
+    const auto add = [&](const std::string& line) { problems += (problems.empty() ? "" : "\r") + line; };
+    const auto& parsed = check.parsed;
+    for (const auto& p : parsed.malformed)
+        add(messages.text(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + p.what + ")");
+    if (parsed.malformedCount > parsed.malformed.size())
+        add(settings::fillIn(messages.text(MessageKey::MsgPatchMoreLines), "%1",
+                             std::to_string(parsed.malformedCount - parsed.malformed.size())));
+    for (const auto& c : parsed.conflicts) {
+        const std::string text =
+            settings::fillIn(messages.text(MessageKey::MsgPatchConflict), "%1", std::to_string(c.firstLine));
+        add(settings::fillIn(text, "%2", std::to_string(c.secondLine)) + hexText(c.offset));
+    }
+    if (problems.empty() && parsed.edits.empty()) add(messages.text(MessageKey::MsgPatchNothing));
+    for (const auto& p : check.mismatches)
+        add(messages.text(p.kind == patch::PatchProblem::Kind::Mismatch ? MessageKey::MsgPatchMismatch
+                                                                        : MessageKey::MsgPatchBeyond) +
+            hexText(p.offset));
+    return problems;
 }
 
 std::string errorText(const settings::MessageTable& messages, const Error& error) {

@@ -6,10 +6,15 @@
 #include "app/message_key.h"
 #include "app/message_table.h"
 #include "base/result.h"
+#include "edit/patch_files.h"
 
 namespace korvatek::app {
 
 settings::MessageKey messageFor(ErrorCode code);
+
+// What is wrong with a patch, one line per problem (joined by carriage returns); empty when it
+// can be applied.
+std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check);
 
 // The error's message in the table's language, its limit filled in and its detail appended.
 std::string errorText(const settings::MessageTable& messages, const Error& error);

@@ -553,6 +553,8 @@ std::string g_privateFolderParent;
 
 constexpr std::string_view kPrivateFolderMark = "korvatek-";
 
+}  // namespace
+
 // Folders of runs that were killed: "korvatek-PID-RANDOM", ours, whose process is over.
 void removeEndedPrivateFolders(const std::string& parent) {
     std::error_code ec;
@@ -570,8 +572,6 @@ void removeEndedPrivateFolders(const std::string& parent) {
         fs::remove_all(entry.path(), ec);
     }
 }
-
-}  // namespace
 
 std::string privateTemporaryFolder() {
     std::lock_guard<std::mutex> guard(g_privateFolderLock);

@@ -105,6 +105,8 @@ std::string temporaryFolder();
 // it when the program ends. Empty when it cannot be made.
 std::string privateTemporaryFolder();
 void removePrivateTemporaryFolder();
+// Removes the private folders that runs which were killed left in `parent`.
+void removeEndedPrivateFolders(const std::string& parent);
 
 // A temporary file name: the private folder joined with a suffix such as "/Korvatek.temp" or
 // "\PNGtemp.bmp" (a leading slash or backslash is read as the separator).

@@ -1,0 +1,45 @@
+#pragma once
+// Patch files read whole: a V_Klay patch checked against the fullflash, the other tool's
+// picture patch turned into containers, and the Make tool's picture area.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/result.h"
+#include "patch/vkp_apply.h"
+
+namespace korvatek::edit {
+
+// A V_Klay patch read in pieces and checked against the image: what cannot be read, which
+// lines clash, which old bytes do not match and what lies beyond the image.
+struct PatchCheck {
+    patch::ParsedPatch parsed;
+    std::vector<patch::PatchProblem> mismatches;   // old bytes that differ, edits beyond the end
+    bool clean() const {
+        return parsed.malformed.empty() && parsed.conflicts.empty() && mismatches.empty() && !parsed.edits.empty();
+    }
+};
+Result<PatchCheck> checkPatchFile(ByteView image, const std::string& path);
+
+// The other tool's picture patch: one GPF2 container per picture section, named "0005.gpf2".
+struct NamedContainer {
+    std::string name;
+    Bytes bytes;
+};
+Result<std::vector<NamedContainer>> containersOfOtherPatch(const std::string& path);
+
+// The Make tool: the picture area rebuilt from a folder of containers "0000.gpf2" (or .gpf)
+// up to "1700", a missing one replaced by the empty picture (`missing` is told its number and
+// name first). A container that cannot be read stops it (nothing to write); data beyond the
+// picture area stop it too, with the blocks made so far (`overflow`).
+struct PictureArea {
+    Bytes data;    // belongs at the data start
+    Bytes table;   // the index table
+    bool overflow = false;
+};
+Result<PictureArea> makePictureArea(const std::string& folder, int maxIndex,
+                                    const std::function<void(const std::string& name)>& missing,
+                                    const std::function<void(double)>& progress = {});
+
+}  // namespace korvatek::edit
