@@ -3,7 +3,7 @@
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "fonts/font_table.h"
-#include "fonts/glyph_bitmap.h"
+#include "edit/font_edits.h"
 
 namespace korvatek::app {
 
@@ -46,20 +46,10 @@ void Workspace::LoadFont() {
     const fonts::GlyphRecord* row = selectedGlyph();
     if (row == nullptr || !firmware) return;
     ActionFailed = false;
-    fonts::GlyphHeader header;
-    header.W = row->advance;
-    header.w = row->width;
-    header.h = row->height;
-    header.sL = row->shiftLeft;
-    header.sB = row->spaceBelow;
-    const fonts::GlyphCell cell = fonts::glyphCell(header);
-    PICinfo = "Width:" + signedText(cell.W) + "\r" + "Height:" + signedText(cell.H) + "\r\r" + "SymbolCode: 0x" +
-              hexText(static_cast<std::uint64_t>(row->code)) + "\r\r" + "Lenght: 0x" + fonts::glyphCellText(*row, 9);
-    preview = Preview{Preview::Source::Glyph, cell.W, cell.H};
-    const std::int64_t offset = row->headerOffsetValue();
-    ByteReader bitmap(firmware->bytes(), offset < 0 ? firmware->size() : static_cast<std::uint64_t>(offset) + 5);
-    const Status drawn = fonts::drawGlyph(bitmap, header, glyphGrid);
-    if (!drawn) fail(drawn.error());
+    const edit::ShownGlyph shown = edit::drawFlashGlyph(firmware->bytes(), *row, glyphGrid);
+    PICinfo = shown.information;
+    preview = Preview{Preview::Source::Glyph, shown.width, shown.height};
+    if (!shown.drawn) fail(shown.drawn.error());
 }
 
 std::optional<std::string> Workspace::copyGlyphCell(int column) const {

@@ -3,7 +3,7 @@
 // patch is saved; the row is marked "*".
 #include "base/hex_text.h"
 #include "app/workspace.h"
-#include "codec/bmp_file.h"
+#include "edit/font_edits.h"
 #include "fonts/font_table.h"
 #include "fonts/glyph_bitmap.h"
 
@@ -12,9 +12,6 @@ namespace korvatek::app {
 using settings::MessageKey;
 
 namespace {
-
-// Shown when a glyph would not fit; the text is the same in every interface language.
-constexpr const char* kGlyphTooBig = "Слишком большая bmp, попробуйте сделать разрешение поменьше;)";
 
 bool isMarked(const fonts::GlyphRecord& row) { return row.replaced; }
 
@@ -70,38 +67,15 @@ void Workspace::ReplaceGlyphFromBMP() {
     if (!firmware || index < 0 || index >= static_cast<int>(ListView2.size())) return;
     const auto file = readFile(PresetPath, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    ByteReader in(*file);
-    const codec::BmpHeadResult head = codec::LoadBMPhead(in);
-    if (head.error) return fail(*head.error);
-    // A bitmap with no rows or columns (a top-down one reads negative) cannot be a glyph.
-    if (head.header.width <= 0 || head.header.height <= 0)
-        return fail(makeError(ErrorCode::GlyphOutsideGrid));
-    GlyphShown = true;
-    const Status loaded = codec::LoadBMP(in, head.header, glyphGrid);
-    if (!loaded) return fail(makeError(ErrorCode::GlyphOutsideGrid));
-    const fonts::GlyphTrim trim = fonts::TrimGlyphGrid(glyphGrid, head.header.width, head.header.height);
-    preview = Preview{Preview::Source::Glyph, head.header.width, head.header.height};
-
-    // Room: a glyph may grow into any space up to the next glyph's record; the last glyph of
-    // a font, which has no next, may not grow beyond the bitmap it has now.
-    const fonts::GlyphRecord& row = ListView2[static_cast<std::size_t>(index)];
-    bool fits;
-    if (index + 1 < static_cast<int>(ListView2.size())) {
-        const std::int64_t next = ListView2[static_cast<std::size_t>(index) + 1].referenceValue();
-        const std::int64_t here = row.referenceValue();
-        const std::int64_t need = static_cast<std::int64_t>(trim.w / 8 + 1) * trim.h;
-        fits = next - here - 5 >= need;
-    } else {
-        fits = fonts::storedBitmapSize(trim.w, trim.h) <=
-               fonts::storedBitmapSize(row.width, row.height);
-    }
-    if (!fits) {
-        showMessage("Pic" + signedText(static_cast<std::int64_t>(CurrentGlyphNumber)) + "\r" + kGlyphTooBig);
+    const edit::GlyphReplacement replaced = edit::glyphFromBmp(*file, ListView2, static_cast<std::size_t>(index), glyphGrid);
+    if (replaced.sized) GlyphShown = true;
+    if (replaced.drawn) preview = Preview{Preview::Source::Glyph, replaced.loadedWidth, replaced.loadedHeight};
+    if (replaced.tooBig) {
+        showMessage(edit::glyphTooBigText(static_cast<int>(CurrentGlyphNumber)));
         ActionFailed = true;
         return;
     }
-    const auto bitmap = fonts::SaveFont(glyphGrid, trim.left, trim.top, trim.w, trim.h);
-    if (!bitmap) return fail(bitmap.error());
+    if (replaced.error) return fail(*replaced.error);
 
     if (!GlyphPatchInProgress) {
         GlyphPatchInProgress = true;
@@ -109,13 +83,8 @@ void Workspace::ReplaceGlyphFromBMP() {
         collectedGlyphs.clear();
     }
     ReverseByteOrder = false;
-    fonts::CollectedGlyph glyph;
+    fonts::CollectedGlyph glyph = *replaced.glyph;
     glyph.number = static_cast<int>(CurrentGlyphNumber);
-    glyph.headerOffset = static_cast<std::uint32_t>(row.headerOffsetValue());
-    glyph.header = {static_cast<std::uint8_t>(trim.W), static_cast<std::uint8_t>(trim.w),
-                    static_cast<std::uint8_t>(trim.h), static_cast<std::uint8_t>(trim.left),
-                    static_cast<std::uint8_t>(trim.bottom)};
-    glyph.bitmap = *bitmap;
     collectedGlyphs.push_back(glyph);
 
     // The two collecting files in the temporary folder mirror what is collected.

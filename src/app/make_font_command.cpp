@@ -2,11 +2,7 @@
 // batch save names them, written as one V_Klay patch.
 #include "base/hex_text.h"
 #include "app/workspace.h"
-#include "codec/bmp_file.h"
-#include "fonts/font_rebuild.h"
-#include "fonts/font_table.h"
-#include "fonts/glyph_bitmap.h"
-#include "patch/vkp_text.h"
+#include "edit/font_edits.h"
 
 namespace korvatek::app {
 
@@ -19,53 +15,15 @@ void Workspace::mnuPopup2_MakeF() {
     const std::string folder = fBrowseForFolder(msg(MessageKey::MsgChooseOpenFolder));
     if (folder.empty()) return;
 
-    fonts::RebuildInput input;
+    edit::FontRebuildInput input;
     input.image = firmware->bytes();
+    input.fonts = &Ftype;
+    input.fontIndex = static_cast<std::size_t>(FtypeIndex);
     input.rows = &ListView2;
     input.fontAreaOffset = fontAreaOffsetValue();
-    input.firstFont = FtypeIndex == 0;
-    ByteReader flash(firmware->bytes());
-    flash.seek(Ftype[static_cast<std::size_t>(FtypeIndex)].descriptorOffset);
-    input.tableStart = flash.u32le() & 0x0FFFFFFF;
-
-    // Every glyph with a bitmap is loaded and trimmed as a single replacement would be.
-    input.replacements.resize(ListView2.size());
-    for (std::size_t i = 0; i < ListView2.size(); ++i) {
-        const std::string path = joinPath(folder, ListView2[i].codeText() + ".bmp");
-        if (CheckFexist(path)) continue;
-        const auto file = readFile(path, kMaxPictureFileSize);
-        if (!file) return fail(file.error());
-        ByteReader in(*file);
-        const codec::BmpHeadResult head = codec::LoadBMPhead(in);
-        if (head.error) return fail(makeError(head.error->code, " " + path));
-        if (head.header.width <= 0 || head.header.height <= 0 || !codec::LoadBMP(in, head.header, glyphGrid))
-            return fail(makeError(ErrorCode::GlyphOutsideGrid, " " + path));
-        const fonts::GlyphTrim trim = fonts::TrimGlyphGrid(glyphGrid, head.header.width, head.header.height);
-        const auto bitmap = fonts::SaveFont(glyphGrid, trim.left, trim.top, trim.w, trim.h);
-        if (!bitmap) return fail(bitmap.error());
-        fonts::NewGlyph glyph;
-        glyph.header = {static_cast<std::uint8_t>(trim.W), static_cast<std::uint8_t>(trim.w),
-                        static_cast<std::uint8_t>(trim.h), static_cast<std::uint8_t>(trim.left),
-                        static_cast<std::uint8_t>(trim.bottom)};
-        glyph.bitmap = *bitmap;
-        input.replacements[i] = glyph;
-    }
-    // The other fonts' records bound the span this font may be packed into.
-    for (int other = 0; other < static_cast<int>(Ftype.size()); ++other) {
-        if (other == FtypeIndex) continue;
-        ByteReader reader(firmware->bytes());
-        const auto read = fonts::FOTload(reader, Ftype[static_cast<std::size_t>(other)].descriptorOffset,
-                                         input.fontAreaOffset, other == 0, nullptr);
-        for (const auto& row : read.table.rows) {
-            const std::int64_t g = row.headerOffsetValue();
-            if (g < 0) continue;
-            const auto size = fonts::kGlyphHeaderSize +
-                              fonts::storedBitmapSize(row.width, row.height);
-            input.otherRecords.emplace_back(static_cast<std::uint64_t>(g), static_cast<std::uint64_t>(g) + size);
-        }
-    }
-
-    const fonts::RebuildResult rebuilt = fonts::rebuildFont(input);
+    const auto rebuiltFont = edit::rebuildFontFromFolder(input, folder, glyphGrid);
+    if (!rebuiltFont) return fail(rebuiltFont.error());
+    const fonts::RebuildResult& rebuilt = *rebuiltFont;
     using Outcome = fonts::RebuildResult::Outcome;
     if (rebuilt.outcome == Outcome::NoRoom) {
         const std::string text = settings::fillIn(msg(MessageKey::MsgFontNoRoom), "%1", std::to_string(rebuilt.needed));
@@ -85,13 +43,7 @@ void Workspace::mnuPopup2_MakeF() {
     }
     showMessage(msg(MessageKey::MsgGlyphsChanged) + std::to_string(rebuilt.changed));
 
-    std::string text = fonts::glyphPatchHeader(FtypeIndex, FirmwareId);
-    text += patch::kLineEnd;
-    text += std::string(";glyph table") + patch::kLineEnd;
-    for (const auto& e : rebuilt.tableEdits) text += patch::patchLine(e.offset, e.oldBytes, e.newBytes) + patch::kLineEnd;
-    text += patch::kLineEnd;
-    text += std::string(";glyph records") + patch::kLineEnd;
-    for (const auto& e : rebuilt.recordEdits) text += patch::patchLine(e.offset, e.oldBytes, e.newBytes) + patch::kLineEnd;
+    const std::string text = edit::rebuiltFontPatch(FtypeIndex, FirmwareId, rebuilt);
 
     std::string target = "Font" + hexText(static_cast<std::uint64_t>(FtypeIndex)) + "_" + FirmwareId + ".vkp";
     OSdialog(ActionFailed, "V_Klay Patch File(*.vkp)|*.vkp", "VKP", target, true);
