@@ -71,6 +71,10 @@ long_8         8  7fe049e0     24 200 1 ff0000*200             # 127, then the e
 three_8        8  ffff03       24 3 1 ffffff 00ff00 0000ff     # literal tail: FF, the first, the last
 alpha_8        8  ffe003e0     32 4 1 ff000001 ff000002*3      # cells differ by their fourth byte
 lit127         8  -            24 129 1                        # a literal of 127, then the end
+two_8          8  -            24 2 1 ff0000*2                 # the end comes before the second cell is compared
+aab_8          8  03e0         24 3 1 ff0000*2 00ff00          # a repeat under way at the end takes the last cell too
+baaa_8         8  ff1c03e0     24 4 1 00ff00 ff0000*3          # a literal of one, then a run of three ending exactly
+aabc_8         8  02e002       24 4 1 ff0000*2 00ff00 0000ff   # an end at a group start repeats the last control byte
 EOF
 
 # ------------------------------------------------------------------ round trips and conversions
