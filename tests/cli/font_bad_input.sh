@@ -15,28 +15,12 @@
 # usage: font_bad_input.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-expect_missing() { [ ! -e "$1" ] && pass || fail "$2: $1 was written"; }
-# A refusal: the status, a line of stderr (any message when none is given; make-font names
-# the file after the message), no OUTPUT.
-refused() {  # STATUS MESSAGE OUTPUT ARGS...
-    local rc=$1 msg=$2 out=$3
-    shift 3
-    rm -rf "$out"
-    run "$@"
-    expect_rc "$rc" "$*"
-    if [ -z "$msg" ]; then [ -s cmd.err ] && pass || fail "$*: no message"
-    elif [ "$1" = make-font ]; then grep -Fq -- "$msg" cmd.err && pass || fail "$*: stderr '$(stderr)' lacks '$msg'"
-    else expect_line "$msg" "$*"; fi
-    expect_missing "$out" "$*"
-}
 GRID="This glyph does not fit the 101x101 glyph grid!"
 # shellcheck disable=SC2034  # named in the table below
 MODEL="This phone model not supported: "
 TOO_BIG="Слишком большая bmp, попробуйте сделать разрешение поменьше;)"
 
-FLASH=$WORK/demo.bin
-"$CLI" demo-flash "$FLASH" >/dev/null 2>&1 || { fail "demo-flash failed"; finish; }
-flash_sum=$(sha256sum <"$FLASH")
+make_demo
 "$CLI" glyph "$FLASH" 2 all --dir orig2 >/dev/null 2>&1 || fail "glyph 2 all"
 
 # Damaged copies of the demo fullflash, the bitmaps the cases feed in, and the figures of
@@ -205,7 +189,7 @@ run make-font "$FLASH" 0 empty -o made.vkp
 { [ "$RC" -eq 0 ] && [ -s made.vkp ]; } || { [ "$RC" -eq 1 ] && [ -s cmd.err ] && [ ! -e made.vkp ]; } && pass ||
     fail "make-font 0: exit $RC, stderr $(stderr)"
 
-[ "$(sha256sum <"$FLASH")" = "$flash_sum" ] && pass || fail "the demo fullflash was changed"
+unchanged "the font commands"
 rm -f mixed.bin
 sha256sum --quiet -c inputs.sha256 >/dev/null 2>&1 && pass || fail "a damaged input flash was changed"
 finish

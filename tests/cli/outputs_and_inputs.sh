@@ -13,22 +13,13 @@
 # usage: outputs_and_inputs.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-expect_err() { grep -Fq -- "$1" cmd.err && pass || fail "$2: '$1' not on stderr: $(stderr)"; }
-same() { cmp -s "$1" "$2" && pass || fail "$3: $1 and $2 differ"; }
 no_parts() { [ -z "$(find . -name '*.part' -newer demo.bin)" ] && pass || fail "$1: a temporary file stayed: $(find . -name '*.part')"; }
 sanitized() { [ -n "${ASAN_OPTIONS:-}" ]; }  # address-space limits mean nothing under ASan
-# The Windows program (run through wine) has no pipes, devices, POSIX permissions or limits to
-# ask about; those cases are for the POSIX program.
-posix() {
-    if [ -n "${KORVATEK_CLI_WINDOWS:-}" ]; then echo "skipped on Windows: $1"; return 1; fi
-}
 
-"$CLI" demo-flash demo.bin >/dev/null 2>&1 || { echo "cannot make the demo fullflash"; exit 1; }
-flash_sum=$(sha256sum <demo.bin)
+make_demo
 "$CLI" export demo.bin 1 -o 1.gpf2 && "$CLI" export demo.bin 2 -o 2.bmp || { echo "cannot export"; exit 1; }
 "$CLI" patch demo.bin -o ref.vkp 1=1.gpf2 2=2.bmp:16 && "$CLI" apply demo.bin ref.vkp -o ref.bin ||
     { echo "cannot make the reference patch"; exit 1; }
-unchanged() { [ "$(sha256sum <demo.bin)" = "$flash_sum" ] && pass || fail "$1 changed the fullflash"; }
 
 # ---- an input is never an output, under any name
 cp demo.bin flash.bmp
@@ -38,7 +29,9 @@ for out in "${names[@]}"; do
     run patch demo.bin -o "$out" 1=1.gpf2;       expect_rc 1 "patch -o $out"
     expect_err "not one of the input files" "patch -o $out"
     run font-size demo.bin 0 12 -o "$out";       expect_rc 1 "font-size -o $out"
+    expect_err "not one of the input files" "font-size -o $out"
     run apply demo.bin ref.vkp -o "$out";         expect_rc 1 "apply -o $out"
+    expect_err "not the fullflash itself" "apply -o $out"
 done
 unchanged "an output named as the fullflash"
 [ ! -e link.bin ] || [ -L link.bin ] && pass || fail "the link to the fullflash was replaced"
