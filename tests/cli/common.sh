@@ -20,8 +20,8 @@ pass() { passed=$((passed + 1)); }
 fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
 finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
 lib() { "$PY" "$HERE/korvatek_testlib.py" "$@"; }
-# The Windows program (run through wine) has no pipes, devices, POSIX permissions or limits to
-# ask about; those cases are for the POSIX program.
+# The Windows program (run through wine) has no pipes, devices, POSIX permissions, inodes or
+# limits to ask about; those cases are for the POSIX program.
 posix() {
     if [ -n "${KORVATEK_CLI_WINDOWS:-}" ]; then echo "skipped on Windows: $1"; return 1; fi
 }
@@ -69,3 +69,22 @@ make_demo() {
     flash_sum=$(sha256sum <"$FLASH")
 }
 unchanged() { [ "$(sha256sum <"$FLASH")" = "$flash_sum" ] && pass || fail "$1 changed the fullflash"; }
+# A replaced output is a new file renamed into place, never the old one written over: it gets
+# a new inode, a hard link to the old file keeps the old bytes, and a reader that holds the old
+# file open reads them to the end.
+replaced_beside() {  # OUTPUT ARGS...: runs the command, which must replace OUTPUT
+    local out=$1 old_inode=""
+    shift
+    if posix "inodes and hard links of $out"; then
+        cp "$out" "$out.before" && ln -f "$out" "$out.link" && old_inode=$(stat -c %i "$out")
+        exec 3<"$out"
+    fi
+    run "$@"
+    expect_rc 0 "$* over an existing file"
+    [ -n "$old_inode" ] || return 0
+    [ "$(stat -c %i "$out")" != "$old_inode" ] && pass || fail "$*: $out was written in place (same inode)"
+    same "$out.link" "$out.before" "$*: a hard link to the old $out"
+    cmp -s - "$out.before" <&3 && pass || fail "$*: a reader holding the old $out open saw it change"
+    exec 3<&-
+    rm -f "$out.before" "$out.link"
+}

@@ -3,6 +3,8 @@
 #   outputs  - never an input (by any name or link), never a folder; devices and pipes written,
 #              not replaced; "-" is standard output; an old file stays whole when a write fails
 #              (a file-size limit stands in for a full disk); nothing left beside the target;
+#              a replaced file is a new one renamed into place (links and open readers keep
+#              the old bytes);
 #   temporary files - a private folder per run, gone afterwards; runs at once do not mix;
 #   inputs   - pipes refused at once, files over the named limits refused, memory running out
 #              ends with a message;
@@ -69,6 +71,17 @@ ln -s later.vkp dangling.vkp
 run patch demo.bin -o dangling.vkp 1=1.gpf2;     expect_rc 0 "-o a link to a file not there yet"
 [ -L dangling.vkp ] && [ -f later.vkp ] && pass || fail "the link was replaced instead of written through"
 fi
+
+# ---- an existing output is replaced by a new file renamed into place, never written over
+echo "an older patch" >over.vkp
+replaced_beside over.vkp patch demo.bin -o over.vkp 1=1.gpf2 2=2.bmp:16
+same over.vkp ref.vkp "patch over an older file"
+cp 1.gpf2 over.bmp
+replaced_beside over.bmp export demo.bin 2 -o over.bmp
+same over.bmp 2.bmp "export over an older file"
+cp demo.bin over.bin
+replaced_beside over.bin apply demo.bin ref.vkp -o over.bin
+same over.bin ref.bin "apply over an older file"
 
 # ---- folders, devices, pipes and standard output
 mkdir empty
