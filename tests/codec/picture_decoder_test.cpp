@@ -70,6 +70,9 @@ const DecodeCase kCases[] = {
      ErrorCode::OutsideCanvas, 0, {}},
 };
 
+// The case's name, not its bytes, in the test list and in failures.
+void PrintTo(const DecodeCase& c, std::ostream* out) { *out << c.name; }
+
 }  // namespace
 
 class PictureDecoder : public ::testing::TestWithParam<DecodeCase> {};
