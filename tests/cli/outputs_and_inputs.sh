@@ -143,17 +143,13 @@ fi
 # ---- temporary files: a private folder per run, removed; runs at once do not mix
 mkdir -p pngs
 "$PY" - <<'EOF'
-import struct, zlib
-def chunk(t, d, length=None):
-    return struct.pack('>I', len(d) if length is None else length) + t + d + struct.pack('>I', zlib.crc32(t + d))
-sig = b'\x89PNG\r\n\x1a\n'
+import struct, korvatek_testlib as t
 for n in range(4):
-    w = h = 8 + n
-    raw = b''.join(b'\x00' + b''.join(bytes(((x * 37 + y * 11 + n * 50) % 256, (x * 17 * n) % 256, (y * 90) % 256)) for x in range(w)) for y in range(h))
-    open(f'pngs/{n}.png', 'wb').write(sig + chunk(b'IHDR', struct.pack('>IIBBBBB', w, h, 8, 2, 0, 0, 0)) +
-                                      chunk(b'IDAT', zlib.compress(raw)) + chunk(b'IEND', b''))
-ihdr = chunk(b'IHDR', struct.pack('>IIBBBBB', 1, 1, 8, 2, 0, 0, 0))
-open('pngs/huge-text.png', 'wb').write(sig + ihdr + chunk(b'tEXt', b'Comment\x00abc', 0x7FFFFFF0))
+    t.write(f"pngs/{n}.png", t.png_bytes([[((x * 37 + y * 11 + n * 50) % 256, (x * 17 * n) % 256, (y * 90) % 256)
+                                            for x in range(8 + n)] for y in range(8 + n)]))
+text = t.png_chunk(b"tEXt", b"Comment\x00abc")  # a text chunk that claims almost 2 GiB
+png = t.png_bytes([[(1, 2, 3)]])
+t.write("pngs/huge-text.png", png[:33] + struct.pack(">I", 0x7FFFFFF0) + text[4:] + png[33:])
 EOF
 echo "someone else's" >"$TMP/temp.gpf2"
 # the private folder of a run that was killed (wine gives a Windows program its own TMP)
