@@ -84,13 +84,13 @@ replaced_beside over.bin apply demo.bin ref.vkp -o over.bin
 same over.bin ref.bin "apply over an older file"
 # ... and only once the new file is on the disk: it is synced before it takes the old one's
 # name, so that a power cut leaves one or the other whole (seen in a trace of the system calls).
-if posix "a system-call trace" && command -v strace >/dev/null && strace -f -o /dev/null true 2>/dev/null; then
+if ! command -v strace >/dev/null || ! strace -f -o /dev/null true 2>/dev/null; then
+    echo "skipped: no system-call trace (strace) here"
+elif posix "a system-call trace"; then
     strace -f -qq -e trace=fsync,fdatasync,rename,renameat,renameat2 -o trace.txt \
         "$CLI" patch demo.bin -o over.vkp 1=1.gpf2 >/dev/null 2>&1
     [ "$(awk '/f(data)?sync\(/ { synced = 1; next } /"over\.vkp"/ { print synced + 0; exit } /rename/ { synced = 0 }' trace.txt)" = 1 ] &&
         pass || fail "an existing output was renamed over without syncing the new file first: $(grep -E 'sync|rename' trace.txt | tail -n 3 | tr '\n' '|')"
-else
-    echo "skipped: no system-call trace (strace) here"
 fi
 
 # ---- folders, devices, pipes and standard output
