@@ -2,23 +2,13 @@
 # korvatek-cli on inputs that are not a usable fullflash, and on bad command lines.
 #   - info, pictures, picture, export on truncated, empty, random, missing, unreadable files
 #     and on a directory: exit 1, a message on stderr, the input untouched, nothing written;
-#   - a fullflash whose picture table is garbage: listed, decoded or refused, never a crash;
+#     (a fullflash whose picture table is garbage is in end_to_end.sh, under the independent
+#     decoder);
 #   - usage errors: exit 2 with a usage line; --help on every command: exit 0.
 #
 # usage: bad_input.sh PATH/TO/korvatek-cli
 set -u
-if [ $# -ne 1 ] || [ ! -x "$1" ]; then echo "usage: $0 PATH/TO/korvatek-cli" >&2; exit 2; fi
-CLI=$(realpath "$1")
-PY=/usr/bin/python3
-exec 2>&1
-WORK=$(mktemp -d)
-trap 'chmod -R u+rwx "$WORK" 2>/dev/null; rm -rf "$WORK"' EXIT
-cd "$WORK" || exit 1
-
-passed=0 failed=0
-pass() { passed=$((passed + 1)); }
-fail() { failed=$((failed + 1)); echo "FAIL: $*"; }
-finish() { echo "$passed passed, $failed failed"; [ "$failed" -eq 0 ]; exit; }
+source "$(dirname "$0")/common.sh" "$@"
 # A fingerprint of a path: content hash of a file, listing of a directory, or "missing".
 fingerprint() {
     if [ -d "$1" ]; then echo "dir:$(find "$1" -printf '%P %s %m %T@\n' | sort | sha256sum)"
@@ -28,16 +18,16 @@ fingerprint() {
 # Runs one command in an empty folder; sets RC, OUT, ERR, NEW (files it left) and WHAT.
 run_in_box() {
     rm -rf box && mkdir box
-    (cd box && "$CLI" "$@" >../cmd.out 2>../cmd.err)
+    (cd box && timeout 300 "$CLI" "$@" </dev/null >../cmd.out 2>../cmd.err)
     RC=$?
     OUT=$(cat cmd.out) ERR=$(cat cmd.err)
     NEW=$(cd box && find . -mindepth 1 | head -n 5 | tr '\n' ' ')
     WHAT="korvatek-cli $*"
     WHAT=${WHAT//$WORK\//}
-    [ $RC -lt 128 ] || fail "$WHAT crashed (status $RC)"
+    [ $RC -lt 124 ] || fail "$WHAT crashed or hung (status $RC)"
 }
 
-"$CLI" demo-flash demo.bin >/dev/null 2>demo.err || { fail "demo-flash: $(cat demo.err)"; finish; }
+make_demo
 
 # ---- inputs that are not a fullflash
 head -c 1048576 demo.bin >trunc_1MiB.bin
@@ -64,48 +54,6 @@ for input in trunc_1MiB.bin trunc_27MiB.bin empty.bin directory.bin missing.bin 
         [ "$(fingerprint "$path")" = "$before" ] && pass || fail "$WHAT changed its input"
     done
 done
-
-# ---- a fullflash that identifies but whose picture table is garbage: every record random
-# (sizes up to 65535 or negative, unknown types, data anywhere or past the end); every fifth
-# plus one oversized with a known type, every fifth plus two ending past the image.
-cp demo.bin damaged.bin
-"$PY" - damaged.bin <<'EOF'
-import random, struct, sys
-rng = random.Random(1701)
-known = [0x01, 0x05, 0x85, 0x07, 0x87, 0x08, 0x88, 0x0A, 0x8A]
-table = bytearray()
-for n in range(1701):
-    rec = bytearray(rng.randbytes(12))
-    if n % 5 == 1:
-        struct.pack_into("<I", rec, 8, 0xA0000000 | rng.randrange(0x2000000))
-    elif n % 5 == 2:
-        struct.pack_into("<HHBxxxI", rec, 0, rng.choice([241, 300, 1000, 0x7FFF]), rng.choice([1, 321, 500]),
-                         rng.choice(known), 0xA0000000 | rng.randrange(0x2000000))
-    elif n % 5 == 3:
-        struct.pack_into("<HHBxxxI", rec, 0, rng.randrange(1, 241), rng.randrange(1, 321),
-                         rng.choice([0x05, 0x85, 0x08, 0x88, 0x8A, 0x01]), 0xA0000000 | (0x2000000 - rng.randrange(1, 64)))
-    table += rec
-with open(sys.argv[1], "r+b") as f:
-    f.seek(0x1B01958)
-    f.write(table)
-EOF
-damaged_sum=$(fingerprint damaged.bin)
-run_in_box pictures "$WORK/damaged.bin"
-[ $RC -eq 0 ] && [ "$(echo "$OUT" | wc -l)" -eq 1701 ] && pass || fail "$WHAT: status $RC, $(echo "$OUT" | wc -l) lines"
-for n in 0 1 2 3 4 5 6 7 8 12 13 17 18 22 23 27 28 1700; do
-    for ext in gpf2 bmp; do
-        run_in_box export "$WORK/damaged.bin" "$n" -o "p.$ext"
-        { [ $RC -eq 0 ] && [ -s "box/p.$ext" ]; } || { [ $RC -eq 1 ] && [ -n "$ERR" ] && [ -z "$NEW" ]; } && pass ||
-            fail "$WHAT: status $RC, files '$NEW', stderr '${ERR:0:200}'"
-    done
-    run_in_box picture "$WORK/damaged.bin" "$n"
-    [ $RC -le 1 ] && pass || fail "$WHAT: status $RC (stderr: ${ERR:0:200})"
-done
-for format in gpf2 bmp; do
-    run_in_box export "$WORK/damaged.bin" all --dir out --format "$format"
-    [ $RC -le 1 ] && pass || fail "$WHAT: status $RC (stderr: ${ERR:0:200})"
-done
-[ "$(fingerprint damaged.bin)" = "$damaged_sum" ] && pass || fail "damaged.bin was changed"
 
 # ---- usage errors: exit 2 and a usage line on stderr, nothing written
 # shellcheck disable=SC2034  # named in the table below

@@ -14,32 +14,7 @@
 # usage: encode_convert.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-# Runs the CLI; sets RC and ERR (stdout in cmd.out). Status 124 (timeout) or more is a hang or a crash.
-run() {
-    timeout 60 "$CLI" "$@" </dev/null >cmd.out 2>cmd.err
-    RC=$? ERR=$(cat cmd.err)
-    [ $RC -lt 124 ] || fail "korvatek-cli $* crashed or hung (status $RC)"
-}
 succeeded() { [ $RC -eq 0 ] && pass || { fail "$1: exit $RC (stderr: $ERR)"; return 1; }; }
-same_file() { cmp -s "$1" "$2" && pass || fail "$3: $(cmp "$1" "$2" 2>&1 | head -n 1)"; }  # GOT WANT WHAT
-# A refusal: status 1, the message as a line of stderr (any message when none is given),
-# the output not written.
-refused() {  # MESSAGE OUTPUT ARGS...
-    local msg=$1 out=$2
-    shift 2
-    rm -f "$out"
-    run "$@"
-    [ $RC -eq 1 ] && pass || fail "$*: exit $RC, expected 1 (stderr: $ERR)"
-    if [ -z "$msg" ]; then [ -n "$ERR" ] && pass || fail "$*: no message on stderr"
-    else grep -qxF -- "$msg" cmd.err && pass || fail "$*: stderr '$ERR', expected the line '$msg'"; fi
-    [ ! -e "$out" ] && pass || fail "$*: $out was written"
-}
-add_counts() {  # OUTPUT WHAT
-    grep '^FAIL' "$1" | head -n 30
-    # shellcheck disable=SC2046  # the summary line split into its words
-    set -- "$2" $(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$1" | tail -n 1)
-    [ $# -eq 5 ] && passed=$((passed + $2)) failed=$((failed + $4)) || fail "$1 printed no summary"
-}
 
 # ------------------------------------------------------------------ bytes worked out by hand
 # Name, target, the data bytes, then the BMP: bits, width, height and the colours
@@ -57,7 +32,7 @@ while read -r name target data bits w h colours; do
     lib gpf2 "$name.want" "$w" "$h" "$code" "$data"
     run encode "$name.bmp" -o "$name.gpf2" --type "$target"
     succeeded "encode $name.bmp --type $target" &&
-        same_file "$name.gpf2" "$name.want" "$name: $(od -An -tx1 "$name.gpf2" | tr -d ' \n' | cut -c 65-)"
+        same "$name.gpf2" "$name.want" "$name: $(od -An -tx1 "$name.gpf2" | tr -d ' \n' | cut -c 65-)"
 done <<'EOF'
 white_mono     1  7f           24 1 1 ffffff
 mean127_mono   1  7f7f         24 1 2 7f7f7f 7e7f80           # a mean of exactly 127 is white
@@ -71,6 +46,10 @@ long_8         8  7fe049e0     24 200 1 ff0000*200             # 127, then the e
 three_8        8  ffff03       24 3 1 ffffff 00ff00 0000ff     # literal tail: FF, the first, the last
 alpha_8        8  ffe003e0     32 4 1 ff000001 ff000002*3      # cells differ by their fourth byte
 lit127         8  -            24 129 1                        # a literal of 127, then the end
+two_8          8  -            24 2 1 ff0000*2                 # the end comes before the second cell is compared
+aab_8          8  03e0         24 3 1 ff0000*2 00ff00          # a repeat under way at the end takes the last cell too
+baaa_8         8  ff1c03e0     24 4 1 00ff00 ff0000*3          # a literal of one, then a run of three ending exactly
+aabc_8         8  02e002       24 4 1 ff0000*2 00ff00 0000ff   # an end at a group start repeats the last control byte
 EOF
 
 # ------------------------------------------------------------------ round trips and conversions
@@ -151,7 +130,7 @@ add_counts roundtrip.txt "round trips"
 # ------------------------------------------------------------------ size limits and names
 run convert full.t16.gpf2 -o full.dat
 run decode full.dat -o full_dat.bmp
-succeeded "decode of a 240 x 320 DAT" && same_file full_dat.bmp full.t16.a0.bmp "decode of the 240 x 320 DAT"
+succeeded "decode of a 240 x 320 DAT" && same full_dat.bmp full.t16.a0.bmp "decode of the 240 x 320 DAT"
 lib poke full.dat wide.dat 0 f100   # 241 x 320
 lib poke full.dat tall.dat 2 4101   # 240 x 321
 run convert few.t8.gpf2 -o upper.dat
@@ -183,7 +162,7 @@ for edit in huge_width:18:ffffff7f:BIG:1 huge_height:22:ffffff7f:BIG:8 wide:18:f
     zero_height:22:00000000 zero_width:18:00000000; do
     IFS=: read -r name at value msg target <<<"$edit"
     lib poke "$base" "bad/$name.bmp" "$at" "$value"
-    [ -z "$msg" ] || refused "${!msg}" o.gpf2 encode "bad/$name.bmp" -o o.gpf2 --type "$target"
+    [ -z "$msg" ] || refused 1 "${!msg}" o.gpf2 encode "bad/$name.bmp" -o o.gpf2 --type "$target"
 done
 head -c 20 "$base" >bad/cut_header.bmp
 : >bad/empty.bmp
@@ -197,7 +176,7 @@ lib gpf2 bad/big.gpf2 241 1 85 7fe07fe003e0
 while read -r msg out args; do
     [ "$msg" = - ] && msg= || msg=${!msg}
     # shellcheck disable=SC2086
-    refused "$msg" "$out" $args
+    refused 1 "$msg" "$out" $args
 done <<'EOF'
 NOTBMP  o.gpf2  encode bad/cut_header.bmp -o o.gpf2 --type 24
 UNKNOWN o.gpf2  encode bad/empty.bmp -o o.gpf2 --type 24
@@ -216,12 +195,12 @@ V1      o.gpf   convert tallest.gpf2 -o o.gpf
 BIG     o.gpf   convert wide.gpf2 -o o.gpf
 EOF
 for name in magic.gpf2 cut_magic.gpf2 empty.gpf2 not.gpf; do
-    refused "$UNKNOWN" o.bmp decode "bad/$name" -o o.bmp
-    refused "$UNKNOWN" o.dat convert "bad/$name" -o o.dat
-    refused "$UNKNOWN" o.gpf convert "bad/$name" -o o.gpf
+    refused 1 "$UNKNOWN" o.bmp decode "bad/$name" -o o.bmp
+    refused 1 "$UNKNOWN" o.dat convert "bad/$name" -o o.dat
+    refused 1 "$UNKNOWN" o.gpf convert "bad/$name" -o o.gpf
 done
-refused "File not exist!" o.bmp decode bad/missing.gpf2 -o o.bmp
-refused "File not exist!" o.bmp convert bad/missing.gpf2 -o o.bmp
+refused 1 "File not exist!" o.bmp decode bad/missing.gpf2 -o o.bmp
+refused 1 "File not exist!" o.bmp convert bad/missing.gpf2 -o o.bmp
 
 # Negative and zero sizes pass the size check (top-down rows are not read). The monochrome
 # encoder has no rows or no pixels to write; the run-length scan never meets the end of such
@@ -231,7 +210,7 @@ for name in neg_height neg_width zero_height zero_width; do
     run encode "bad/$name.bmp" -o o.gpf2 --type 1
     { [ $RC -eq 0 ] && [ -f o.gpf2 ]; } || { [ $RC -eq 1 ] && [ -n "$ERR" ] && [ ! -e o.gpf2 ]; } && pass ||
         fail "encode bad/$name.bmp --type 1: exit $RC, stderr '$ERR'"
-    for t in 8 16 24; do refused "" o.gpf2 encode "bad/$name.bmp" -o o.gpf2 --type $t; done
+    for t in 8 16 24; do refused 1 "" o.gpf2 encode "bad/$name.bmp" -o o.gpf2 --type $t; done
 done
 
 # ------------------------------------------------------------------ cut inputs
@@ -249,14 +228,14 @@ for t in 1 8 24; do
     run encode bad/cut_pixels.bmp -o cut.gpf2 --type $t
     succeeded "encode of a BMP cut inside its pixels --type $t" || continue
     run encode bad/zero_filled.bmp -o zero.gpf2 --type $t
-    same_file cut.gpf2 zero.gpf2 "a cut BMP against the same BMP filled with zeros, --type $t"
+    same cut.gpf2 zero.gpf2 "a cut BMP against the same BMP filled with zeros, --type $t"
 done
 for name in plain8 plain16 plain24 mono; do
     zero_filled "bad/cut_$name.gpf2" bad/filled.gpf2 400
     run decode "bad/cut_$name.gpf2" -o cut.bmp --alpha
     succeeded "decode bad/cut_$name.gpf2" || continue
     run decode bad/filled.gpf2 -o filled.bmp --alpha
-    same_file cut.bmp filled.bmp "decode of the cut $name container"
+    same cut.bmp filled.bmp "decode of the cut $name container"
 done
 # A compressed stream stops at the end of the file: a picture or a refusal, never a crash.
 for cut in 3 31 33 40 100; do
@@ -291,7 +270,7 @@ while read -r out want args; do
     run $args
     succeeded "$args over an existing file" && [ "$ERR" = "File $out already exists and will be replaced" ] && pass ||
         fail "$args over an existing file: stderr '$ERR'"
-    [ "$want" = - ] || same_file "$out" "$want" "$args over an existing file"
+    [ "$want" = - ] || same "$out" "$want" "$args over an existing file"
 done <<'EOF'
 exists.gpf2 w5.t8.gpf2  encode w5.t8.bmp -o exists.gpf2 --type 8
 exists.bmp  w5.t8.a0.bmp decode w5.t8.gpf2 -o exists.bmp

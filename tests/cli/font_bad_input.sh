@@ -4,7 +4,8 @@
 #             table outside the image, a glyph reference past the end;
 #   glyphs  - records that the 101 x 101 glyph grid cannot hold (wide, shifted, tall, a
 #             negative shift that widens the cell past the grid);
-#   patches - a BMP larger than the grid, the room check at its exact edge ("Pic" and the
+#   patches - a BMP larger than the grid, the room check at its exact edge, also for ink 8 and
+#             16 pixels wide, which needs a byte a row more than it stores ("Pic" and the
 #             glyph number), the last glyph of a font, a glyph given twice, missing and
 #             broken BMPs, font and glyph numbers that do not exist;
 #   rebuild - make-font whose glyphs outgrow the span of the font's records (the figures
@@ -15,28 +16,12 @@
 # usage: font_bad_input.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-expect_missing() { [ ! -e "$1" ] && pass || fail "$2: $1 was written"; }
-# A refusal: the status, a line of stderr (any message when none is given; make-font names
-# the file after the message), no OUTPUT.
-refused() {  # STATUS MESSAGE OUTPUT ARGS...
-    local rc=$1 msg=$2 out=$3
-    shift 3
-    rm -rf "$out"
-    run "$@"
-    expect_rc "$rc" "$*"
-    if [ -z "$msg" ]; then [ -s cmd.err ] && pass || fail "$*: no message"
-    elif [ "$1" = make-font ]; then grep -Fq -- "$msg" cmd.err && pass || fail "$*: stderr '$(stderr)' lacks '$msg'"
-    else expect_line "$msg" "$*"; fi
-    expect_missing "$out" "$*"
-}
 GRID="This glyph does not fit the 101x101 glyph grid!"
 # shellcheck disable=SC2034  # named in the table below
 MODEL="This phone model not supported: "
 TOO_BIG="Слишком большая bmp, попробуйте сделать разрешение поменьше;)"
 
-FLASH=$WORK/demo.bin
-"$CLI" demo-flash "$FLASH" >/dev/null 2>&1 || { fail "demo-flash failed"; finish; }
-flash_sum=$(sha256sum <"$FLASH")
+make_demo
 "$CLI" glyph "$FLASH" 2 all --dir orig2 >/dev/null 2>&1 || fail "glyph 2 all"
 
 # Damaged copies of the demo fullflash, the bitmaps the cases feed in, and the figures of
@@ -67,14 +52,18 @@ def block(w, h, W=None, H=None):
     """w x h ink in the bottom left corner of a W x H paper."""
     W, H = W or w, H or h
     return [[int(x < w and y >= H - h) for x in range(W)] for y in range(H)]
-# The room of glyph N of font 0: next reference - this reference - 5 bytes; 7 pixels wide
-# need one byte a row, 9 two. The last glyph of font 2 may keep the bytes its bitmap has.
+# The room of glyph N of font 0: next reference - this reference - 5 bytes; a glyph w pixels
+# wide needs (w div 8 + 1) bytes a row there: 7 pixels one, 8 and 9 two, 16 three (so 8 and
+# 16 take a byte a row more than they store). The last glyph of font 2 may keep the bytes its
+# bitmap has.
 room = [t.valhex(rows0[n][0][7]) - t.valhex(rows0[n - 1][0][7]) - 5 for n in (65, 66)]
 last = rows2[-1][3]
 have = (last[1] + 7) // 8 * last[2]
 for name, ink in [("grid_wide", block(120, 10)), ("grid_tall", block(10, 120)), ("small", block(5, 5, 9, 12)),
                   ("fits65", block(7, room[0], 9, room[0] + 2)), ("over65", block(7, room[0] + 1, 9, room[0] + 3)),
                   ("over66", block(7, room[1] + 1, 9, room[1] + 1)), ("wide65", block(9, room[0] // 2 + 1)),
+                  ("w8_fits65", block(8, room[0] // 2)), ("w8_over65", block(8, room[0] // 2 + 1)),
+                  ("w16_fits65", block(16, room[0] // 3)), ("w16_over65", block(16, room[0] // 3 + 1)),
                   ("last_same", block(8, have)), ("last_over", block(8, have + 1))]:
     t.write(name + ".bmp", t.glyph_bmp(ink))
 six = [(0, 0, 0)] * 36
@@ -168,16 +157,19 @@ done <<'EOF'
 1 No_such_font:_3                 r.vkp make-font "$FLASH" 3 empty -o r.vkp
 1 -                               r.vkp make-font "$FLASH" 2 missing_dir -o r.vkp
 EOF
-# One byte over the room: "Pic 65", then the message on the next line; an existing output
-# is kept.
-run font-patch "$FLASH" 0 -o kept.vkp 65=over65.bmp
-expect_rc 1 "a glyph one byte over its room"
-grep -A1 -Fx "Pic 65" cmd.err | tail -n 1 | grep -Fqx "$TOO_BIG" && pass || fail "the room message is not 'Pic 65' then its text: $(stderr)"
-[ "$(cat kept.vkp)" = "$(printf 'old\r')" ] && pass || fail "a refused font-patch replaced the existing output"
+# Just over the room: "Pic 65", then the message on the next line; an existing output is
+# kept. Ink 8 and 16 pixels wide is over although the bytes it stores would fit.
+for bmp in over65 w8_over65 w16_over65; do
+    printf 'old\r\n' >kept.vkp
+    run font-patch "$FLASH" 0 -o kept.vkp "65=$bmp.bmp"
+    expect_rc 1 "$bmp.bmp, just over the room of glyph 65"
+    [ "$(grep -A1 -Fx "Pic 65" cmd.err | tail -n 1)" = "$TOO_BIG" ] && pass || fail "$bmp.bmp: not 'Pic 65' then the room message: $(stderr)"
+    [ "$(cat kept.vkp)" = "$(printf 'old\r')" ] && pass || fail "a refused font-patch replaced the existing output"
+done
 
 # The edge of the room is inclusive, and the last glyph may keep its byte count even where
 # the "len" column (one byte more a row) would call it too long.
-for item in "0:65:fits65" "2:$last:last_same"; do
+for item in "0:65:fits65" "0:65:w8_fits65" "0:65:w16_fits65" "2:$last:last_same"; do
     IFS=: read -r font code bmp <<<"$item"
     rm -f edge.vkp
     run font-patch "$FLASH" "$font" -o edge.vkp "$code=$bmp.bmp"
@@ -205,7 +197,7 @@ run make-font "$FLASH" 0 empty -o made.vkp
 { [ "$RC" -eq 0 ] && [ -s made.vkp ]; } || { [ "$RC" -eq 1 ] && [ -s cmd.err ] && [ ! -e made.vkp ]; } && pass ||
     fail "make-font 0: exit $RC, stderr $(stderr)"
 
-[ "$(sha256sum <"$FLASH")" = "$flash_sum" ] && pass || fail "the demo fullflash was changed"
+unchanged "the font commands"
 rm -f mixed.bin
 sha256sum --quiet -c inputs.sha256 >/dev/null 2>&1 && pass || fail "a damaged input flash was changed"
 finish

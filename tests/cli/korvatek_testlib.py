@@ -95,15 +95,15 @@ def runs_and_noise(rng, count, pixel, cell=lambda c: c):
 # ---------------------------------------------------------------- BMP files
 
 
-def bmp_bytes(width, height, bits, cells, offset=54, compression=0, gap=b"", magic=b"BM"):
+def bmp_bytes(width, height, bits, cells, offset=54, compression=0, magic=b"BM"):
     """cells: (blue, green, red, fourth) top row first; 24-bit rows padded to 4 bytes."""
     rows = bytearray()
     for y in range(height - 1, -1, -1):
         row = b"".join(bytes(c[:bits // 8]) for c in cells[y * width:(y + 1) * width])
         rows += row + bytes(-len(row) % 4)
-    head = magic + struct.pack("<IIIIiiHHII", 54 + len(gap) + len(rows), 0, offset, 40, width, height, 1, bits,
+    head = magic + struct.pack("<IIIIiiHHII", 54 + len(rows), 0, offset, 40, width, height, 1, bits,
                                compression, len(rows)) + bytes(16)
-    return head + gap + bytes(rows)
+    return head + bytes(rows)
 
 
 def read_bmp(blob):
@@ -374,19 +374,6 @@ def decode(flash, offset, width, height, depth, compressed, canvas):
     return samples * size
 
 
-def decode_container(blob):
-    """(width, height, type code, RGB bytes top row first, data bytes used) of a GPF or GPF2
-    picture on a fresh canvas, without alpha; None for a format the decoder refuses."""
-    fields = container_fields(blob)
-    depth = DEPTH_OF_CODE.get(fields[3]) if fields else None
-    if depth is None or (depth == 1 and fields[3] > 0x80):
-        return None
-    _, width, height, code = fields
-    canvas = Canvas()
-    used = decode(Flash(blob[32:]), 0, width, height, depth, code > 0x80, canvas)
-    return width, height, code, canvas.region(width, height), used
-
-
 def type_text(type_byte):
     return ("0" if type_byte < 10 else "") + "%X" % type_byte + "00"
 
@@ -412,7 +399,9 @@ def check_encoded(tally, cli, source, base, width, height, target, cells):
     if width * height < 4:  # too short to end in a run of three; a single cell gives no data
         tally.ok(width * height != 1 or blob[32:] == bytes(16), "%s.gpf2: %d bytes for one cell" % (base, len(blob)))
         return blob
-    _, _, _, rgb, used = decode_container(blob)
+    canvas = Canvas()  # the container unpacked here, without alpha
+    used = decode(Flash(blob[32:]), 0, width, height, DEPTH_OF_CODE[code], code > 0x80, canvas)
+    rgb = canvas.region(width, height)
     got = [rgb[i:i + 3] for i in range(0, len(rgb), 3)]
     want = [rgb24(c) if code == 0x8A else bytes((c[2], c[1], c[0])) for c in cells]
     tally.ok(got == want, "%s.gpf2 unpacked here: %s" % (base, first_difference(got, want, width)))

@@ -3,6 +3,8 @@
 #   outputs  - never an input (by any name or link), never a folder; devices and pipes written,
 #              not replaced; "-" is standard output; an old file stays whole when a write fails
 #              (a file-size limit stands in for a full disk); nothing left beside the target;
+#              a replaced file is a new one renamed into place (links and open readers keep
+#              the old bytes);
 #   temporary files - a private folder per run, gone afterwards; runs at once do not mix;
 #   inputs   - pipes refused at once, files over the named limits refused, memory running out
 #              ends with a message;
@@ -13,22 +15,13 @@
 # usage: outputs_and_inputs.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-expect_err() { grep -Fq -- "$1" cmd.err && pass || fail "$2: '$1' not on stderr: $(stderr)"; }
-same() { cmp -s "$1" "$2" && pass || fail "$3: $1 and $2 differ"; }
 no_parts() { [ -z "$(find . -name '*.part' -newer demo.bin)" ] && pass || fail "$1: a temporary file stayed: $(find . -name '*.part')"; }
 sanitized() { [ -n "${ASAN_OPTIONS:-}" ]; }  # address-space limits mean nothing under ASan
-# The Windows program (run through wine) has no pipes, devices, POSIX permissions or limits to
-# ask about; those cases are for the POSIX program.
-posix() {
-    if [ -n "${KORVATEK_CLI_WINDOWS:-}" ]; then echo "skipped on Windows: $1"; return 1; fi
-}
 
-"$CLI" demo-flash demo.bin >/dev/null 2>&1 || { echo "cannot make the demo fullflash"; exit 1; }
-flash_sum=$(sha256sum <demo.bin)
+make_demo
 "$CLI" export demo.bin 1 -o 1.gpf2 && "$CLI" export demo.bin 2 -o 2.bmp || { echo "cannot export"; exit 1; }
 "$CLI" patch demo.bin -o ref.vkp 1=1.gpf2 2=2.bmp:16 && "$CLI" apply demo.bin ref.vkp -o ref.bin ||
     { echo "cannot make the reference patch"; exit 1; }
-unchanged() { [ "$(sha256sum <demo.bin)" = "$flash_sum" ] && pass || fail "$1 changed the fullflash"; }
 
 # ---- an input is never an output, under any name
 cp demo.bin flash.bmp
@@ -38,7 +31,9 @@ for out in "${names[@]}"; do
     run patch demo.bin -o "$out" 1=1.gpf2;       expect_rc 1 "patch -o $out"
     expect_err "not one of the input files" "patch -o $out"
     run font-size demo.bin 0 12 -o "$out";       expect_rc 1 "font-size -o $out"
+    expect_err "not one of the input files" "font-size -o $out"
     run apply demo.bin ref.vkp -o "$out";         expect_rc 1 "apply -o $out"
+    expect_err "not the fullflash itself" "apply -o $out"
 done
 unchanged "an output named as the fullflash"
 [ ! -e link.bin ] || [ -L link.bin ] && pass || fail "the link to the fullflash was replaced"
@@ -75,6 +70,27 @@ run patch demo.bin -o "$long" 1=1.gpf2;          expect_rc 0 "an output name of 
 ln -s later.vkp dangling.vkp
 run patch demo.bin -o dangling.vkp 1=1.gpf2;     expect_rc 0 "-o a link to a file not there yet"
 [ -L dangling.vkp ] && [ -f later.vkp ] && pass || fail "the link was replaced instead of written through"
+fi
+
+# ---- an existing output is replaced by a new file renamed into place, never written over
+echo "an older patch" >over.vkp
+replaced_beside over.vkp patch demo.bin -o over.vkp 1=1.gpf2 2=2.bmp:16
+same over.vkp ref.vkp "patch over an older file"
+cp 1.gpf2 over.bmp
+replaced_beside over.bmp export demo.bin 2 -o over.bmp
+same over.bmp 2.bmp "export over an older file"
+cp demo.bin over.bin
+replaced_beside over.bin apply demo.bin ref.vkp -o over.bin
+same over.bin ref.bin "apply over an older file"
+# ... and only once the new file is on the disk: it is synced before it takes the old one's
+# name, so that a power cut leaves one or the other whole (seen in a trace of the system calls).
+if ! command -v strace >/dev/null || ! strace -f -o /dev/null true 2>/dev/null; then
+    echo "skipped: no system-call trace (strace) here"
+elif posix "a system-call trace"; then
+    strace -f -qq -e trace=fsync,fdatasync,rename,renameat,renameat2 -o trace.txt \
+        "$CLI" patch demo.bin -o over.vkp 1=1.gpf2 >/dev/null 2>&1
+    [ "$(awk '/f(data)?sync\(/ { synced = 1; next } /"over\.vkp"/ { print synced + 0; exit } /rename/ { synced = 0 }' trace.txt)" = 1 ] &&
+        pass || fail "an existing output was renamed over without syncing the new file first: $(grep -E 'sync|rename' trace.txt | tail -n 3 | tr '\n' '|')"
 fi
 
 # ---- folders, devices, pipes and standard output
@@ -127,17 +143,13 @@ fi
 # ---- temporary files: a private folder per run, removed; runs at once do not mix
 mkdir -p pngs
 "$PY" - <<'EOF'
-import struct, zlib
-def chunk(t, d, length=None):
-    return struct.pack('>I', len(d) if length is None else length) + t + d + struct.pack('>I', zlib.crc32(t + d))
-sig = b'\x89PNG\r\n\x1a\n'
+import struct, korvatek_testlib as t
 for n in range(4):
-    w = h = 8 + n
-    raw = b''.join(b'\x00' + b''.join(bytes(((x * 37 + y * 11 + n * 50) % 256, (x * 17 * n) % 256, (y * 90) % 256)) for x in range(w)) for y in range(h))
-    open(f'pngs/{n}.png', 'wb').write(sig + chunk(b'IHDR', struct.pack('>IIBBBBB', w, h, 8, 2, 0, 0, 0)) +
-                                      chunk(b'IDAT', zlib.compress(raw)) + chunk(b'IEND', b''))
-ihdr = chunk(b'IHDR', struct.pack('>IIBBBBB', 1, 1, 8, 2, 0, 0, 0))
-open('pngs/huge-text.png', 'wb').write(sig + ihdr + chunk(b'tEXt', b'Comment\x00abc', 0x7FFFFFF0))
+    t.write(f"pngs/{n}.png", t.png_bytes([[((x * 37 + y * 11 + n * 50) % 256, (x * 17 * n) % 256, (y * 90) % 256)
+                                            for x in range(8 + n)] for y in range(8 + n)]))
+text = t.png_chunk(b"tEXt", b"Comment\x00abc")  # a text chunk that claims almost 2 GiB
+png = t.png_bytes([[(1, 2, 3)]])
+t.write("pngs/huge-text.png", png[:33] + struct.pack(">I", 0x7FFFFFF0) + text[4:] + png[33:])
 EOF
 echo "someone else's" >"$TMP/temp.gpf2"
 # the private folder of a run that was killed (wine gives a Windows program its own TMP)

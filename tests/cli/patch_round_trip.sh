@@ -11,23 +11,9 @@
 # usage: patch_round_trip.sh PATH/TO/korvatek-cli
 set -u
 source "$(dirname "$0")/common.sh" "$@"
-run() {  # the status in RC; 128 or more is a crash and always a failure
-    "$CLI" "$@"
-    RC=$?
-    [ $RC -lt 128 ] || fail "korvatek-cli $* crashed (status $RC)"
-    return $RC
-}
-# Adds a checker's "N passed, M failed" and shows its FAIL lines.
-add_counts() {  # OUTPUT WHAT
-    grep '^FAIL' "$1" | head -n 30
-    # shellcheck disable=SC2046  # the summary line split into its words
-    set -- "$2" $(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$1" | tail -n 1)
-    [ $# -eq 5 ] && passed=$((passed + $2)) failed=$((failed + $4)) || fail "$1 printed no summary"
-}
 check() { "$PY" helper.py "$@" >check.out 2>&1; add_counts check.out "helper $1"; }
 # Data length of a decoded picture, from the "Lenght: 0x.." line of the information text.
 length_of() { sed -n 's/^Lenght: 0x\([0-9A-F]*\)$/\1/p' "$1" | head -n 1; }
-unchanged() { [ "$(sha256sum <"$FLASH")" = "$flash_sum" ] && pass || fail "$1 changed the fullflash"; }
 
 cat >helper.py <<'EOF'
 import random, struct, sys
@@ -138,10 +124,9 @@ def check_applied(flash_path, vkp, patched, before, after, plan_path):
  "applied": check_applied}[sys.argv[1]](*sys.argv[2:])
 EOF
 
-FLASH=$WORK/demo.bin
-run demo-flash "$FLASH" >/dev/null 2>demo.err && pass || { fail "demo-flash: $(cat demo.err)"; finish; }
-flash_sum=$(sha256sum <"$FLASH")
-run pictures "$FLASH" >rows.before 2>rows.err || { fail "pictures exited $?: $(cat rows.err)"; finish; }
+make_demo
+run pictures "$FLASH" || { fail "pictures exited $RC: $ERR"; finish; }
+cp cmd.out rows.before
 
 # ---- the pictures to replace, and their inputs
 eval "$("$PY" helper.py select rows.before)"
@@ -149,22 +134,22 @@ for v in SAME LONGER SHORTER BIG BMP16 BMP24 PNG8 GPF1 FOLDER_DUP FOLDER_GROW FO
     [ -n "${!v:-}" ] || { fail "no picture found for $v"; finish; }
 done
 old_length() {  # N: the old data length, as decoding the row measures it
-    run picture "$FLASH" "$1" >old.txt 2>/dev/null || fail "picture $1 exited $?"
-    OLD=$(length_of old.txt)
+    run picture "$FLASH" "$1" || fail "picture $1 exited $RC"
+    OLD=$(length_of cmd.out)
 }
 mkdir gfolder bfolder
 printf -v dup4 '%04d' "$FOLDER_DUP"
 for item in "$SAME:same_src.gpf2" 0:big.gpf2 "$SRC12:v1_src.gpf2" "$SRC8:gfolder/$dup4.gpf2" "0:gfolder/$FOLDER_DUP.gpf2"; do
-    run export "$FLASH" "${item%%:*}" -o "${item#*:}" >/dev/null 2>&1 || fail "export $item"
+    run export "$FLASH" "${item%%:*}" -o "${item#*:}" || fail "export $item"
 done
 old_length "$LONGER"
 longer=$((16#$OLD + 1))
 old_length "$SHORTER"
 "$PY" helper.py inputs "$longer" "$((16#$OLD - 1))"
-run convert v1_src.gpf2 -o v1.gpf >/dev/null 2>&1 && [ "$(head -c 16 v1.gpf)" = GraphicPatchFile ] && pass || fail "v1.gpf"
+run convert v1_src.gpf2 -o v1.gpf && [ "$(head -c 16 v1.gpf)" = GraphicPatchFile ] && pass || fail "v1.gpf"
 # The containers that the BMP and PNG replacements must load: the encoder's own output.
 for item in in16.bmp:16 in24.bmp:24 in8.png:8; do
-    run encode "${item%:*}" -o "${item%.*}.gpf2" --type "${item#*:}" >/dev/null 2>enc.err || fail "encode $item: $(cat enc.err)"
+    run encode "${item%:*}" -o "${item%.*}.gpf2" --type "${item#*:}" || fail "encode $item: $ERR"
 done
 # A folder of containers: picture FOLDER_DUP as 00NN.gpf2 and as NN.gpf2 (only the first
 # counts), FOLDER_GROW that needs free space, and FOLDER_V1 as a .gpf, which the folder
@@ -176,7 +161,7 @@ cp v1.gpf "gfolder/$(printf '%04d' "$FOLDER_V1").gpf"
 for item in "$ORIG1:1" "$ORIG8:8" "$ORIG12:16" "$ORIG24:24"; do
     n=${item%:*} target=${item#*:} src=orig${item#*:}.bmp
     cp "$src" "bfolder/$(printf '%04d' "$n").bmp"
-    run encode "$src" -o "orig$n.gpf2" --type "$target" >/dev/null 2>enc.err || fail "encode $src: $(cat enc.err)"
+    run encode "$src" -o "orig$n.gpf2" --type "$target" || fail "encode $src: $ERR"
 done
 
 # ---- the plan: picture, container, old length, new length, in the order of the command line
@@ -184,8 +169,9 @@ done
 add_plan() {  # N CONTAINER [OLD_LENGTH]: the old length of picture N unless given
     if [ $# -eq 3 ]; then OLD=$3; else old_length "$1"; fi
     local d=dec_${2//\//_}
-    run decode "$2" -o "$d.bmp" >"$d.txt" 2>/dev/null || fail "decode $2 exited $?"
-    run decode "$2" -o "$d.alpha.bmp" --alpha >/dev/null 2>&1 || fail "decode --alpha $2 exited $?"
+    run decode "$2" -o "$d.bmp" || fail "decode $2 exited $RC"
+    cp cmd.out "$d.txt"
+    run decode "$2" -o "$d.alpha.bmp" --alpha || fail "decode --alpha $2 exited $RC"
     NEW=$(length_of "$d.txt")
     echo "$1 $2 ${OLD:-0} ${NEW:-0}" >>plan
 }
@@ -207,31 +193,32 @@ done
 printf -v same4 '%04d' "$SAME"  # numbers may be zero-padded
 run patch "$FLASH" -o out.vkp "$same4=same.gpf2" "$LONGER=longer.gpf2" "$SHORTER=shorter.gpf2" \
     "$BIG=big.gpf2" "$BMP16=in16.bmp:16" "$BMP24=in24.bmp:24" "$PNG8=in8.png:8" "$GPF1=v1.gpf" \
-    --gpf-folder gfolder --bmp-folder bfolder:orig >patch.out 2>patch.err
-[ $RC -eq 0 ] && [ ! -s patch.out ] && [ -s out.vkp ] && pass || { fail "patch exited $RC: $(head -n 5 patch.err patch.out)"; finish; }
+    --gpf-folder gfolder --bmp-folder bfolder:orig
+[ $RC -eq 0 ] && [ ! -s cmd.out ] && [ -s out.vkp ] && pass || { fail "patch exited $RC: $(stderr)"; finish; }
 check patch "$FLASH" rows.before plan out.vkp
 [ -z "$(find tmp -type f)" ] && pass || fail "temporary files left behind: $(find tmp -type f | head -n 5)"
-run apply "$FLASH" out.vkp -o patched.bin >apply.out 2>apply.err
-[ $RC -eq 0 ] && [ ! -s apply.out ] && [ -f patched.bin ] && pass || { fail "apply exited $RC: $(head -n 5 apply.err)"; finish; }
-run pictures patched.bin >rows.after 2>/dev/null || fail "pictures of the patched copy exited $?"
+run apply "$FLASH" out.vkp -o patched.bin
+[ $RC -eq 0 ] && [ ! -s cmd.out ] && [ -f patched.bin ] && pass || { fail "apply exited $RC: $(stderr)"; finish; }
+run pictures patched.bin || fail "pictures of the patched copy exited $RC"
+cp cmd.out rows.after
 check applied "$FLASH" out.vkp patched.bin rows.before rows.after plan
 unchanged "patch and apply"
 
 # ---- every replaced picture decodes to its replacement, from the copy and through lumbra
 mkdir lum
-run lumbra out.vkp lum >/dev/null 2>lumbra.err && pass || fail "lumbra of the patch: $(head -n 3 lumbra.err)"
+run lumbra out.vkp lum && pass || fail "lumbra of the patch: $(stderr)"
 [ "$(find lum -type f | wc -l)" -eq "$(wc -l <plan)" ] && pass || fail "lumbra wrote $(find lum -type f | wc -l) files for $(wc -l <plan) sections"
 while read -r n path _ new; do
     d=dec_${path//\//_}
-    run export patched.bin "$n" -o got.bmp >/dev/null 2>&1 && cmp -s got.bmp "$d.bmp" && pass ||
+    run export patched.bin "$n" -o got.bmp && cmp -s got.bmp "$d.bmp" && pass ||
         fail "picture $n ($path) read back from the patched copy is not its decoded replacement"
     if awk -F'\t' -v n="$n" '$1 + 0 == n && $5 == "8A00" { found = 1 } END { exit !found }' rows.after; then
-        run export patched.bin "$n" -o got.bmp --alpha >/dev/null 2>&1 && cmp -s got.bmp "$d.alpha.bmp" && pass ||
+        run export patched.bin "$n" -o got.bmp --alpha && cmp -s got.bmp "$d.alpha.bmp" && pass ||
             fail "picture $n with alpha is not its decoded replacement"
     fi
-    run picture patched.bin "$n" >now.txt 2>/dev/null
-    [ "$(length_of now.txt)" = "$new" ] && pass || fail "picture $n in the patched copy is $(length_of now.txt) bytes long, expected $new"
-    run decode "lum/$(printf %04d "$n").gpf2" -o lum.bmp >/dev/null 2>&1 && cmp -s lum.bmp "$d.bmp" && pass ||
+    run picture patched.bin "$n"
+    [ "$(length_of cmd.out)" = "$new" ] && pass || fail "picture $n in the patched copy is $(length_of cmd.out) bytes long, expected $new"
+    run decode "lum/$(printf %04d "$n").gpf2" -o lum.bmp && cmp -s lum.bmp "$d.bmp" && pass ||
         fail "lumbra's $(printf %04d "$n").gpf2 does not decode to the replacement $path"
 done <plan
 # Only 0005-style names count in the folder, and a .gpf there is not looked for.
@@ -240,32 +227,30 @@ sections=$(grep -a '^; ##### Picture' out.vkp | tr -dc '0-9\n' | paste -sd' ')
 
 # ---- every other picture is unchanged
 mkdir eb ea
-run export "$FLASH" all --dir eb --format bmp >/dev/null 2>&1
-run export patched.bin all --dir ea --format bmp >/dev/null 2>&1
+run export "$FLASH" all --dir eb --format bmp
+run export patched.bin all --dir ea --format bmp
 [ "$(ls ea | wc -l)" -ge 1690 ] && pass || fail "the batch export of the patched copy holds $(ls ea | wc -l) files"
 for n in $(cut -d' ' -f1 plan); do rm -f "eb/$(printf %04d "$n").bmp" "ea/$(printf %04d "$n").bmp"; done
 diff -rq eb ea && pass || fail "pictures that were not replaced changed"
 
 # ---- the same picture twice in one command: refused, the others go on. The patch is the
 # first two sections of the one above (LONGER is the first picture that grows there too).
-run patch "$FLASH" -o twice.vkp "$SAME=same.gpf2" "$same4=big.gpf2" "$LONGER=longer.gpf2" >/dev/null 2>twice.err
-[ $RC -eq 1 ] && grep -qx 'This picture is already replaced. Reboot program or complete commenced patch' twice.err && pass ||
-    fail "the same picture twice: exit $RC, stderr '$(head -n 3 twice.err)'"
+run patch "$FLASH" -o twice.vkp "$SAME=same.gpf2" "$same4=big.gpf2" "$LONGER=longer.gpf2"
+expect_rc 1 "the same picture twice"
+expect_line 'This picture is already replaced. Reboot program or complete commenced patch' "the same picture twice"
 head -n 2 plan >plan.twice
 check patch "$FLASH" rows.before plan.twice twice.vkp
 # An existing output is replaced, with the notice.
 cp twice.vkp twice.first
-run patch "$FLASH" -o twice.vkp "$SAME=same.gpf2" "$LONGER=longer.gpf2" >/dev/null 2>again.err
-[ $RC -eq 0 ] && grep -qx "File twice.vkp already exists and will be replaced" again.err && pass ||
-    fail "patch over an existing file: exit $RC, stderr '$(cat again.err)'"
+run patch "$FLASH" -o twice.vkp "$SAME=same.gpf2" "$LONGER=longer.gpf2"
+expect_rc 0 "patch over an existing file"
+expect_line "File twice.vkp already exists and will be replaced" "patch over an existing file"
 cmp -s twice.vkp twice.first && pass || fail "patch over an existing file wrote another patch"
 
 # ---- no accepted replacement: nothing written, an existing file kept
-run patch "$FLASH" -o none.vkp "$SAME=missing.gpf2" >/dev/null 2>none.err
-[ $RC -eq 1 ] && grep -qx 'File not exist!' none.err && [ ! -e none.vkp ] && pass ||
-    fail "no accepted replacement: exit $RC, stderr '$(head -n 3 none.err)', none.vkp $([ -e none.vkp ] && echo written)"
+refused 1 'File not exist!' none.vkp patch "$FLASH" -o none.vkp "$SAME=missing.gpf2"
 echo keep >kept.vkp
-run patch "$FLASH" -o kept.vkp "$SAME=missing.gpf2" "$LONGER=missing.gpf2" >/dev/null 2>&1
+run patch "$FLASH" -o kept.vkp "$SAME=missing.gpf2" "$LONGER=missing.gpf2"
 [ $RC -eq 1 ] && [ "$(cat kept.vkp)" = keep ] && pass || fail "no accepted replacement: exit $RC, kept.vkp now '$(head -c 40 kept.vkp)'"
 unchanged "patch"
 finish

@@ -1,9 +1,7 @@
 // Start-up: the command line's file, then the stored settings and the language.
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
-#include <QMenu>
 #include <QProgressBar>
 #include <QTabBar>
 #include <QTest>
@@ -117,19 +115,6 @@ private slots:
         QVERIFY(!window->workspace().ShowSuccessMessage);
         QCOMPARE(window->findChild<QTabBar*>("TabStrip1")->tabText(0),
                  QString::fromUtf8(settings::LanguageRU().captions[static_cast<int>(settings::CaptionKey::TabPictures)]));
-    }
-
-    void startUpTimeToAFilledList() {
-        QElapsedTimer clock;
-        clock.start();
-        auto window = makeWindow();
-        window->show();
-        window->startUp({demoFlashPath()});
-        QCoreApplication::processEvents();
-        const qint64 elapsed = clock.elapsed();
-        QCOMPARE(window->pictureModel().rowCount(), 1701);
-        qInfo("start-up to a filled picture list: %lld ms", elapsed);
-        QVERIFY2(elapsed < 5000, "start-up took longer than five seconds");
     }
 };
 
