@@ -9,7 +9,7 @@
 
 #include "base/file_io.h"
 #include "base/hex_text.h"
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "demo/demo_flash.h"

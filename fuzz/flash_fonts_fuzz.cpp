@@ -15,7 +15,7 @@
 #include <cstdint>
 
 #include "base/hex_text.h"
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "demo/demo_flash.h"
 #include "firmware/layout.h"
@@ -59,7 +59,7 @@ const std::array<FontPlaces, firmware::kDemoFontCount>& places() {
             ws.Ftype_Click(f);
             if (!ws.ListView2.empty())
                 result[static_cast<std::size_t>(f)].firstRecord =
-                    static_cast<std::uint64_t>(app::valHEX(ws.ListView2.front().offset));
+                    static_cast<std::uint64_t>(ws.ListView2.front().headerOffsetValue());
         }
         return result;
     }();
@@ -106,7 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     int drawn = 0;
     int saved = 0;
     for (int r = 0; r < static_cast<int>(ws.ListView2.size()) && drawn < kMaxGlyphs; ++r) {
-        const std::int64_t at = app::valHEX(ws.ListView2[static_cast<std::size_t>(r)].offset);
+        const std::int64_t at = ws.ListView2[static_cast<std::size_t>(r)].headerOffsetValue();
         const bool changed = r < kAlwaysDrawn || static_cast<std::uint64_t>(r) * 8 < table.size ||
                              (at >= static_cast<std::int64_t>(records.offset) &&
                               at < static_cast<std::int64_t>(records.offset + records.size + 5));

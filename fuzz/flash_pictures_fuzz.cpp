@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "firmware/layout.h"
 #include "fuzz_support.h"

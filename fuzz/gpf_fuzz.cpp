@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "codec/picture_decoder.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "fuzz_support.h"
 #include "patch/lumbra_patch.h"

@@ -1,7 +1,7 @@
 // Loading containers and theme cache files, and the GPF>BMP tool.
 #include <gtest/gtest.h>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "containers/dat_header.h"
 #include "containers/gpf_header.h"

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "containers/gpf_header.h"
 #include "firmware/layout.h"

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "containers/dat_header.h"

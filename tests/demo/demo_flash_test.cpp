@@ -75,7 +75,7 @@ TEST(DemoFlash, everyOrdinaryPictureDecodesAndEveryTypeIsThere) {
     }
     EXPECT_EQ(types, (std::set<int>{0x01, 0x05, 0x85, 0x07, 0x87, 0x08, 0x88, 0x0A, 0x8A}));
     EXPECT_EQ(keyed, (std::set<int>{0x05, 0x07, 0x08}));  // every format with a transparent key uses it
-    EXPECT_EQ(rows[kDemoPictureAllZero].PICoffset, "0000000");  // an unused record
+    EXPECT_EQ(rows[kDemoPictureAllZero].dataOffset(), 0u);  // an unused record
 }
 
 TEST(DemoFlash, aGrownPictureFindsErasedFlashWhereTheSearchStarts) {

@@ -2,7 +2,7 @@
 #include <QAbstractItemModelTester>
 #include <QTest>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"

@@ -10,7 +10,7 @@
 #include <QTemporaryDir>
 #include <QUuid>
 
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "demo/demo_flash.h"
 #include "qsettings_store.h"

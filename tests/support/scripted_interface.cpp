@@ -1,4 +1,4 @@
-#include "app/scripted_interface.h"
+#include "support/scripted_interface.h"
 
 namespace korvatek::app {
 
