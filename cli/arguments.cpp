@@ -1,5 +1,9 @@
 #include "arguments.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
 namespace korvatek::cli {
 
 std::optional<std::string> Arguments::value(const std::string& option) const {
@@ -8,45 +12,77 @@ std::optional<std::string> Arguments::value(const std::string& option) const {
     return it->second;
 }
 
-Arguments parseArguments(const std::vector<std::string>& words, const std::set<std::string>& valueOptions,
-                         const std::set<std::string>& flagOptions, const std::set<std::string>& repeatable) {
+Arguments parseArguments(const std::string& title, const std::string& usage, const std::vector<OptionSpec>& options,
+                         const std::vector<std::string>& words) {
     Arguments args;
-    bool optionsEnded = false;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        const bool looksLikeOption =
-            !optionsEnded && word.size() > 1 && word[0] == '-' && !std::isdigit(static_cast<unsigned char>(word[1]));
-        if (!looksLikeOption) {
-            if (word.empty()) {
-                args.error = "an empty text where a file or a number belongs";
-                return args;
+    CLI::App app{title + "\nusage: korvatek-cli " + usage + "\n", "korvatek-cli " + usage.substr(0, usage.find(' '))};
+    std::vector<std::string> positional;
+    app.add_option("ARGS", positional, "see the usage line");
+    std::vector<std::pair<CLI::Option*, const OptionSpec*>> declared;
+    std::map<std::string, std::vector<std::string>> repeated;  // map nodes stay put: CLI11 keeps references
+    std::map<std::string, std::string> single;
+    std::map<std::string, bool> flags;
+    for (const OptionSpec& spec : options) {
+        CLI::Option* option = nullptr;
+        switch (spec.kind) {
+            case OptionSpec::Kind::Value:
+                option = app.add_option(spec.name, single[spec.name], spec.description);
+                break;
+            case OptionSpec::Kind::Flag:
+                option = app.add_flag(spec.name, flags[spec.name], spec.description);
+                break;
+            case OptionSpec::Kind::Repeated: {
+                option = app.add_option(spec.name, repeated[spec.name], spec.description)
+                             ->expected(1)
+                             ->allow_extra_args(false)
+                             ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+                break;
             }
-            args.positional.push_back(word);
-            args.ordered.emplace_back(std::string(), word);
+        }
+        if (spec.kind != OptionSpec::Kind::Flag) option->type_name(spec.valueName);
+        declared.emplace_back(option, &spec);
+    }
+    std::vector<std::string> reversed(words.rbegin(), words.rend());  // CLI11 takes them last first
+    try {
+        app.parse(reversed);
+    } catch (const CLI::CallForHelp&) {
+        args.help = app.help();
+        return args;
+    } catch (const CLI::ParseError& e) {
+        args.error = e.what();
+        return args;
+    }
+    // The order: positional words and repeated options as they came.
+    std::map<const CLI::Option*, std::size_t> next;
+    std::size_t positionalIndex = 0;
+    for (const CLI::Option* option : app.parse_order()) {
+        if (option->get_name() == "ARGS") {
+            args.ordered.emplace_back(std::string(), positional[positionalIndex++]);
             continue;
         }
-        if (word == "--") {
-            optionsEnded = true;
-        } else if (valueOptions.count(word) || repeatable.count(word)) {
-            if (i + 1 >= words.size()) {
-                args.error = word + " needs a value";
-                return args;
-            }
-            const std::string& value = words[++i];
-            if (value.empty()) {
-                args.error = word + " needs a value, not an empty text";
-                return args;
-            }
-            if (repeatable.count(word)) {
-                args.ordered.emplace_back(word, value);
-            } else if (!args.values.emplace(word, value).second) {
-                args.error = word + " may be given only once";
-                return args;
-            }
-        } else if (flagOptions.count(word)) {
-            args.flags.insert(word);
-        } else {
-            args.error = "unknown option " + word;
+        for (const auto& [declaredOption, spec] : declared) {
+            if (declaredOption != option || spec->kind != OptionSpec::Kind::Repeated) continue;
+            const auto results = option->results();
+            args.ordered.emplace_back(spec->name, results[next[option]++]);
+        }
+    }
+    args.positional = positional;
+    for (const auto& [option, spec] : declared) {
+        if (option->count() == 0) continue;
+        if (spec->kind == OptionSpec::Kind::Flag) args.flags.insert(spec->name);
+        if (spec->kind == OptionSpec::Kind::Value) args.values[spec->name] = single[spec->name];
+    }
+    // Empty texts where a file, a number or a value belongs.
+    for (const auto& [option, word] : args.ordered) {
+        if (word.empty()) {
+            args.error = option.empty() ? "an empty text where a file or a number belongs"
+                                        : option + " needs a value, not an empty text";
+            return args;
+        }
+    }
+    for (const auto& [option, word] : args.values) {
+        if (word.empty()) {
+            args.error = option + " needs a value, not an empty text";
             return args;
         }
     }

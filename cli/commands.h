@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace korvatek::cli {
+#include "arguments.h"
 
-using Words = std::vector<std::string>;
+namespace korvatek::cli {
 
 // "-o -" writes to standard output only where the output is one stream a pipe can take.
 inline constexpr const char* kNotToStandardOutput = "-o - (standard output) is for a patch or one BMP only";
@@ -16,7 +16,8 @@ struct Command {
     const char* name;
     const char* usage;    // after "korvatek-cli "
     const char* summary;
-    int (*run)(const Words& words);
+    int (*run)(const Arguments& args);
+    std::vector<OptionSpec> options;
 };
 
 const std::vector<Command>& commands();
@@ -28,23 +29,23 @@ int runCommandLine(const std::vector<std::string>& arguments);
 int usageError(const Command& command, const std::string& why = {});
 const Command& commandNamed(const char* name);
 
-int runInfo(const Words& words);
-int runPictures(const Words& words);
-int runPicture(const Words& words);
-int runExport(const Words& words);
-int runDecode(const Words& words);
-int runDemoFlash(const Words& words);
-int runEncode(const Words& words);
-int runConvert(const Words& words);
-int runPatch(const Words& words);
-int runApply(const Words& words);
-int runMake(const Words& words);
-int runLumbra(const Words& words);
-int runFonts(const Words& words);
-int runGlyphs(const Words& words);
-int runGlyph(const Words& words);
-int runFontSize(const Words& words);
-int runFontPatch(const Words& words);
-int runMakeFont(const Words& words);
+int runInfo(const Arguments& args);
+int runPictures(const Arguments& args);
+int runPicture(const Arguments& args);
+int runExport(const Arguments& args);
+int runDecode(const Arguments& args);
+int runDemoFlash(const Arguments& args);
+int runEncode(const Arguments& args);
+int runConvert(const Arguments& args);
+int runPatch(const Arguments& args);
+int runApply(const Arguments& args);
+int runMake(const Arguments& args);
+int runLumbra(const Arguments& args);
+int runFonts(const Arguments& args);
+int runGlyphs(const Arguments& args);
+int runGlyph(const Arguments& args);
+int runFontSize(const Arguments& args);
+int runFontPatch(const Arguments& args);
+int runMakeFont(const Arguments& args);
 
 }  // namespace korvatek::cli

@@ -68,9 +68,8 @@ void printInformation(const std::string& text, bool onStandardError) {
 
 }  // namespace
 
-int runDecode(const Words& words) {
+int runDecode(const Arguments& args) {
     const Command& command = commandNamed("decode");
-    const Arguments args = parseArguments(words, {"-o"}, {"--alpha"});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 1 || !out) return usageError(command, args.error);
     const std::string& in = args.positional[0];
@@ -98,9 +97,8 @@ int runDecode(const Words& words) {
     return status;
 }
 
-int runEncode(const Words& words) {
+int runEncode(const Arguments& args) {
     const Command& command = commandNamed("encode");
-    const Arguments args = parseArguments(words, {"-o", "--type"}, {});
     const auto out = args.value("-o");
     const auto type = args.value("--type");
     if (!args.error.empty() || args.positional.size() != 1 || !out || !type) return usageError(command, args.error);
@@ -133,9 +131,8 @@ int runEncode(const Words& words) {
     return console.write(*out, encoded->bytes, {in}) ? 0 : 1;
 }
 
-int runConvert(const Words& words) {
+int runConvert(const Arguments& args) {
     const Command& command = commandNamed("convert");
-    const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 1 || !out) return usageError(command, args.error);
     if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
@@ -162,9 +159,8 @@ int runConvert(const Words& words) {
     return console.write(*out, file, {in}) ? 0 : 1;
 }
 
-int runDemoFlash(const Words& words) {
+int runDemoFlash(const Arguments& args) {
     const Command& command = commandNamed("demo-flash");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
     const std::string& out = args.positional[0];
     if (app::isStandardOutput(out)) return usageError(command, kNotToStandardOutput);

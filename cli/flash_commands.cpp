@@ -39,9 +39,8 @@ bool decodeTold(const Console& console, const edit::DecodedPicture& decoded) {
 
 }  // namespace
 
-int runInfo(const Words& words) {
+int runInfo(const Arguments& args) {
     const Command& command = commandNamed("info");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
@@ -51,9 +50,8 @@ int runInfo(const Words& words) {
     return 0;
 }
 
-int runPictures(const Words& words) {
+int runPictures(const Arguments& args) {
     const Command& command = commandNamed("pictures");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
@@ -70,9 +68,8 @@ int runPictures(const Words& words) {
     return 0;
 }
 
-int runPicture(const Words& words) {
+int runPicture(const Arguments& args) {
     const Command& command = commandNamed("picture");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     const auto n = parseNumber(args.positional[1]);
     if (!n) return usageError(command, "N must be a picture number");
@@ -156,9 +153,8 @@ int exportAll(Console& console, const edit::OpenedFlash& flash, std::string dir,
 
 }  // namespace
 
-int runExport(const Words& words) {
+int runExport(const Arguments& args) {
     const Command& command = commandNamed("export");
-    const Arguments args = parseArguments(words, {"-o", "--dir", "--format"}, {"--alpha"});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     const bool alpha = args.has("--alpha");
     Console console;

@@ -52,9 +52,8 @@ bool saveGlyph(Console& console, const edit::OpenedFlash& flash, const fonts::Gl
 
 }  // namespace
 
-int runFonts(const Words& words) {
+int runFonts(const Arguments& args) {
     const Command& command = commandNamed("fonts");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 1) return usageError(command, args.error);
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
@@ -66,9 +65,8 @@ int runFonts(const Words& words) {
     return 0;
 }
 
-int runGlyphs(const Words& words) {
+int runGlyphs(const Arguments& args) {
     const Command& command = commandNamed("glyphs");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     const auto fontNumber = parseNumber(args.positional[1]);
     if (!fontNumber) return usageError(command, "FONT must be a font number");
@@ -88,9 +86,8 @@ int runGlyphs(const Words& words) {
     return 0;
 }
 
-int runGlyph(const Words& words) {
+int runGlyph(const Arguments& args) {
     const Command& command = commandNamed("glyph");
-    const Arguments args = parseArguments(words, {"-o", "--dir"}, {});
     if (!args.error.empty() || args.positional.size() != 3) return usageError(command, args.error);
     const auto fontNumber = parseNumber(args.positional[1]);
     if (!fontNumber) return usageError(command, "FONT must be a font number");
@@ -120,9 +117,8 @@ int runGlyph(const Words& words) {
     return saved ? 0 : 1;
 }
 
-int runFontSize(const Words& words) {
+int runFontSize(const Arguments& args) {
     const Command& command = commandNamed("font-size");
-    const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 3 || !out) return usageError(command, args.error);
     const auto fontNumber = parseNumber(args.positional[1]);
@@ -221,9 +217,8 @@ bool GlyphRun::folder(const std::string& path) {
 
 }  // namespace
 
-int runFontPatch(const Words& words) {
+int runFontPatch(const Arguments& args) {
     const Command& command = commandNamed("font-patch");
-    const Arguments args = parseArguments(words, {"-o"}, {}, {"--bmp-folder"});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() < 2 || !out) return usageError(command, args.error);
     const auto fontNumber = parseNumber(args.positional[1]);
@@ -269,9 +264,8 @@ int runFontPatch(const Words& words) {
     return allAccepted ? 0 : 1;
 }
 
-int runMakeFont(const Words& words) {
+int runMakeFont(const Arguments& args) {
     const Command& command = commandNamed("make-font");
-    const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 3 || !out) return usageError(command, args.error);
     const auto fontNumber = parseNumber(args.positional[1]);

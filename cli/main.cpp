@@ -26,31 +26,43 @@ void printHelp(std::FILE* out) {
 }  // namespace
 
 const std::vector<Command>& commands() {
+    using Kind = OptionSpec::Kind;
+    const OptionSpec output{"-o", Kind::Value, "the file to write (- for standard output where allowed)", "OUT"};
+    const OptionSpec alpha{"--alpha", Kind::Flag, "keep the alpha channel of 24-bit pictures (a 32-bit BMP)"};
     static const std::vector<Command> list{
-        {"info", "info FLASH", "open and identify a fullflash", runInfo},
-        {"pictures", "pictures FLASH", "list the picture table", runPictures},
-        {"picture", "picture FLASH N", "decode picture N and print its information", runPicture},
+        {"info", "info FLASH", "open and identify a fullflash", runInfo, {}},
+        {"pictures", "pictures FLASH", "list the picture table", runPictures, {}},
+        {"picture", "picture FLASH N", "decode picture N and print its information", runPicture, {}},
         {"export", "export FLASH N -o OUT.gpf2|OUT.bmp [--alpha]\n       korvatek-cli export FLASH all --dir DIR --format gpf2|bmp [--alpha]",
-         "save one or all pictures as GPF2 or BMP", runExport},
+         "save one or all pictures as GPF2 or BMP", runExport,
+         {output, alpha, {"--dir", Kind::Value, "the folder for all pictures", "DIR"},
+          {"--format", Kind::Value, "gpf2 or bmp, for all pictures", "FORMAT"}}},
         {"patch", "patch FLASH -o OUT.vkp REPL...\n       REPL: N=FILE.gpf2 | N=FILE.gpf | N=FILE.bmp:TYPE | N=FILE.png:TYPE |"
                   " --gpf-folder DIR | --bmp-folder DIR:TYPE (TYPE 1, 8, 16, 24 or orig)",
-         "replace pictures and write the picture patch", runPatch},
-        {"apply", "apply FLASH PATCH.vkp -o OUT.bin", "check a V_Klay patch and write a patched copy", runApply},
-        {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode},
+         "replace pictures and write the picture patch", runPatch,
+         {output, {"--gpf-folder", Kind::Repeated, "replace every picture with a NNNN.gpf2 in DIR", "DIR"},
+          {"--bmp-folder", Kind::Repeated, "replace every picture with a NNNN.bmp in DIR, as TYPE", "DIR:TYPE"}}},
+        {"apply", "apply FLASH PATCH.vkp -o OUT.bin", "check a V_Klay patch and write a patched copy", runApply, {output}},
+        {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode,
+         {output, alpha}},
         {"encode", "encode IN.bmp|IN.png -o OUT.gpf2|OUT.gpf --type 1|8|16|24",
-         "encode a BMP or PNG into a container", runEncode},
-        {"convert", "convert IN -o OUT", "convert GPF/GPF2 to DAT, DAT to GPF2, or GPF to GPF2 and back", runConvert},
-        {"make", "make SRC_DIR OUT_DIR", "build the picture area blocks from a folder of containers", runMake},
-        {"lumbra", "lumbra IN.vkp OUT_DIR", "turn another tool's picture patch into GPF2 files", runLumbra},
-        {"fonts", "fonts FLASH", "list the fonts", runFonts},
-        {"glyphs", "glyphs FLASH FONT", "list the glyphs of a font", runGlyphs},
+         "encode a BMP or PNG into a container", runEncode,
+         {output, {"--type", Kind::Value, "the target type: 1, 8, 16 or 24 bits", "TYPE"}}},
+        {"convert", "convert IN -o OUT", "convert GPF/GPF2 to DAT, DAT to GPF2, or GPF to GPF2 and back", runConvert,
+         {output}},
+        {"make", "make SRC_DIR OUT_DIR", "build the picture area blocks from a folder of containers", runMake, {}},
+        {"lumbra", "lumbra IN.vkp OUT_DIR", "turn another tool's picture patch into GPF2 files", runLumbra, {}},
+        {"fonts", "fonts FLASH", "list the fonts", runFonts, {}},
+        {"glyphs", "glyphs FLASH FONT", "list the glyphs of a font", runGlyphs, {}},
         {"glyph", "glyph FLASH FONT CODE -o OUT.bmp\n       korvatek-cli glyph FLASH FONT all --dir DIR",
-         "save one or all glyphs as BMP", runGlyph},
-        {"font-size", "font-size FLASH FONT SIZE -o OUT.vkp", "write a font size patch", runFontSize},
+         "save one or all glyphs as BMP", runGlyph, {output, {"--dir", Kind::Value, "the folder for all glyphs", "DIR"}}},
+        {"font-size", "font-size FLASH FONT SIZE -o OUT.vkp", "write a font size patch", runFontSize, {output}},
         {"font-patch", "font-patch FLASH FONT -o OUT.vkp REPL...\n       REPL: CODE=FILE.bmp | --bmp-folder DIR",
-         "replace glyphs and write the glyph patch", runFontPatch},
-        {"make-font", "make-font FLASH FONT SRC_DIR -o OUT.vkp", "rebuild a font from a folder of BMPs", runMakeFont},
-        {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash},
+         "replace glyphs and write the glyph patch", runFontPatch,
+         {output, {"--bmp-folder", Kind::Repeated, "replace every glyph with a NNNN.bmp in DIR", "DIR"}}},
+        {"make-font", "make-font FLASH FONT SRC_DIR -o OUT.vkp", "rebuild a font from a folder of BMPs", runMakeFont,
+         {output}},
+        {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash, {}},
     };
     return list;
 }
@@ -108,18 +120,17 @@ int runCommandLine(const std::vector<std::string>& arguments) {
                     KORVATEK_GIT_DESCRIPTION, *KORVATEK_GIT_DESCRIPTION ? ")" : "");
         return 0;
     }
-    Words words(arguments.begin() + 1, arguments.end());
+    const std::vector<std::string> words(arguments.begin() + 1, arguments.end());
     for (const Command& c : commands()) {
         if (name != c.name) continue;
-        for (const auto& w : words) {
-            if (w == "--") break;
-            if (w == "--help" || w == "-h") {
-                std::printf("usage: korvatek-cli %s\n%s\n", c.usage, c.summary);
-                return 0;
-            }
+        const Arguments args = parseArguments(std::string("korvatek-cli ") + c.name + ": " + c.summary, c.usage, c.options, words);
+        if (!args.help.empty()) {
+            std::fputs(args.help.c_str(), stdout);
+            return 0;
         }
+        if (!args.error.empty()) return usageError(c, args.error);
         try {
-            return c.run(words);
+            return c.run(args);
         } catch (const std::bad_alloc&) {
             // Memory ran out somewhere inside the command: say so and stop cleanly. Outputs are
             // only ever renamed into place when complete, so nothing half-written remains.

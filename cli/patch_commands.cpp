@@ -262,9 +262,8 @@ bool PatchRun::run(const Replacement& r) {
 
 }  // namespace
 
-int runPatch(const Words& words) {
+int runPatch(const Arguments& args) {
     const Command& command = commandNamed("patch");
-    const Arguments args = parseArguments(words, {"-o"}, {}, {"--gpf-folder", "--bmp-folder"});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.empty() || !out) return usageError(command, args.error);
     // The replacements in the order given, folder options among them; the first positional
@@ -301,9 +300,8 @@ int runPatch(const Words& words) {
     return allAccepted ? 0 : 1;
 }
 
-int runApply(const Words& words) {
+int runApply(const Arguments& args) {
     const Command& command = commandNamed("apply");
-    const Arguments args = parseArguments(words, {"-o"}, {});
     const auto out = args.value("-o");
     if (!args.error.empty() || args.positional.size() != 2 || !out) return usageError(command, args.error);
     if (app::isStandardOutput(*out)) return usageError(command, kNotToStandardOutput);
@@ -339,9 +337,8 @@ std::string folderOf(std::string path) {
 
 }  // namespace
 
-int runMake(const Words& words) {
+int runMake(const Arguments& args) {
     const Command& command = commandNamed("make");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     Console console;
     if (!std::filesystem::is_directory(app::toPath(args.positional[0]))) {
@@ -374,9 +371,8 @@ int runMake(const Words& words) {
     return area->overflow || !dataWritten || !tableWritten ? 1 : 0;
 }
 
-int runLumbra(const Words& words) {
+int runLumbra(const Arguments& args) {
     const Command& command = commandNamed("lumbra");
-    const Arguments args = parseArguments(words, {}, {});
     if (!args.error.empty() || args.positional.size() != 2) return usageError(command, args.error);
     Console console;
     const std::string& source = args.positional[0];
