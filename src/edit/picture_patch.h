@@ -12,11 +12,12 @@
 #include "base/result.h"
 #include "edit/opened_flash.h"
 #include "edit/picture_decode.h"
+#include "firmware/layout.h"
 #include "firmware/picture_record.h"
 
 namespace korvatek::edit {
 
-inline constexpr std::uint32_t kFreeSpaceStart = 0x1320000;
+inline constexpr std::uint32_t kFreeSpaceStart = firmware::kFreeSpaceSearchStart;
 
 // A length as the commands have always compared lengths: through its hex text, so that four
 // digits or fewer read as a 16-bit signed number (0x9000 bytes compare as negative).
