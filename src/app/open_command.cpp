@@ -31,6 +31,8 @@ void Workspace::mnu_FileOpen() {
         preview = Preview{};
         ListView1.clear();
         ListView1Selected = -1;
+        ListView2.clear();
+        ListView2Selected = -1;
         Ftype.clear();
         FtypeIndex = -1;
         firmware.reset();
