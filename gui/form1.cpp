@@ -1,7 +1,5 @@
 #include "form1.h"
 
-#include <new>
-
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -137,7 +135,7 @@ void Form1::buildWidgets() {
 
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
     connect(m_fontSelector, &QComboBox::activated, this,
-            [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }, After::Glyphs); });
+            [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }); });
     connect(m_pictureList->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) { onPictureRowChanged(current); });
     connect(m_glyphList->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -153,11 +151,11 @@ void Form1::buildWidgets() {
 void Form1::startUp(const QStringList& arguments) {
     m_ws.ProgramDir = programDirectory();
     const std::string commandLine = commandLineText(arguments);
-    runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); }, After::Lists);
+    runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); });
     retranslate();
 }
 
-void Form1::runCommand(const std::function<void()>& command, After after) {
+void Form1::runCommand(const std::function<void()>& command) {
     if (m_running) return;
     m_running = true;
     try {
@@ -169,7 +167,7 @@ void Form1::runCommand(const std::function<void()>& command, After after) {
         m_ws.showMessage(m_ws.msg(settings::MessageKey::MsgOutOfMemory));
     }
     m_running = false;
-    refreshFromWorkspace(after);
+    refreshFromWorkspace();
 }
 
 void Form1::mnu_FileExit_Click() { close(); }
@@ -231,21 +229,13 @@ void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
 
 // ---- showing the Workspace
 
-void Form1::refreshFromWorkspace(After after) {
-    if (after == After::Lists) {
-        m_pictureModel->reload();
-        fillFontSelector();
-    } else {
-        m_pictureModel->refreshCells();
-    }
-    if (after == After::Cells)
-        m_glyphModel->refreshCells();
-    else
-        m_glyphModel->reload();
-    if (after != After::Cells) resizeListColumns();
+void Form1::refreshFromWorkspace() {
+    const bool picturesRead = m_pictureModel->update();
+    const bool glyphsRead = m_glyphModel->update();
+    if (picturesRead || glyphsRead) resizeListColumns();
     syncSelection(m_pictureList, m_ws.ListView1Selected);
     syncSelection(m_glyphList, m_ws.ListView2Selected);
-    if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
+    fillFontSelector();
     updateCommandStates();
     showPreview();
     showTab();
@@ -256,10 +246,17 @@ void Form1::refreshFromWorkspace(After after) {
                                         : QString());
 }
 
+// The fonts of the open fullflash, refilled only when they changed, and the chosen one.
 void Form1::fillFontSelector() {
-    m_fontSelector->clear();
-    for (const firmware::FontSelectorEntry& entry : m_ws.Ftype) m_fontSelector->addItem(toQString(entry.caption));
-    m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
+    QStringList fonts;
+    for (const firmware::FontSelectorEntry& entry : m_ws.Ftype) fonts << toQString(entry.caption);
+    QStringList shown;
+    for (int item = 0; item < m_fontSelector->count(); ++item) shown << m_fontSelector->itemText(item);
+    if (shown != fonts) {
+        m_fontSelector->clear();
+        m_fontSelector->addItems(fonts);
+    }
+    if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
 }
 
 // The Workspace moved a selection (a batch walks the rows, opening a file clears it): the

@@ -64,10 +64,6 @@ public:
     GlyphListModel& glyphModel() { return *m_glyphModel; }
 
 private:
-    // What a command may have changed in the lists: cells only, the glyph list's rows, or the
-    // rows of both (a file was opened).
-    enum class After { Cells, Glyphs, Lists };
-
     void buildWidgets();
     void buildMenus();
     void buildPictureMenu();
@@ -77,12 +73,12 @@ private:
     QMenu* addFixedMenu(QMenu* parent, const char* name, const QString& caption);
     QAction* addFixedAction(QMenu* menu, const char* name, const QString& caption);
     void addTargetTypeItems(QMenu* menu, const char* prefix, void (app::Workspace::*command)(int));
-    void wire(QAction* action, std::function<void()> command, After after = After::Cells);
+    void wire(QAction* action, std::function<void()> command);
     void updateCommandStates();
     void copyToClipboard(const std::optional<std::string>& text);
 
-    void runCommand(const std::function<void()>& command, After after = After::Cells);
-    void refreshFromWorkspace(After after);
+    void runCommand(const std::function<void()>& command);
+    void refreshFromWorkspace();
     void fillFontSelector();
     void syncSelection(QTreeView* list, int row);
     void showPreview();

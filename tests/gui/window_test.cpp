@@ -1,5 +1,6 @@
 // The main window with the demonstration fullflash open: controls, tabs, popups, the list
 // events that show a picture, copying cells, saving through the dialogs, and the progress.
+#include <QAbstractItemModelTester>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -11,6 +12,7 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTabBar>
 #include <QTest>
 #include <QTreeView>
@@ -50,6 +52,11 @@ private slots:
         m_window->startUp({demoFlashPath()});
         m_popups.clear();
         m_list = m_window->findChild<QTreeView*>("ListView1");
+        // Every command's notifications are checked while the tests drive the window.
+        new QAbstractItemModelTester(&m_window->pictureModel(), QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                     m_window.get());
+        new QAbstractItemModelTester(&m_window->glyphModel(), QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                     m_window.get());
     }
     void cleanup() { m_window.reset(); }
 
@@ -81,10 +88,14 @@ private slots:
     void replacementMarksTheRowAndEnablesThePatch() {
         const QString sameSize = demoPictureGpf2(3);
         QTest::mouseClick(m_list->viewport(), Qt::LeftButton, {}, rowCentre(m_list, 3));
+        QSignalSpy changed(&m_window->pictureModel(), &QAbstractItemModel::dataChanged);
+        QSignalSpy reset(&m_window->pictureModel(), &QAbstractItemModel::modelReset);
         ModalAnswerer answers;
         answers.filesToChoose = {sameSize};
         m_window->findChild<QAction*>("mnuPopup_LoadGPF")->trigger();
         QCOMPARE(m_window->pictureModel().cellText(3, 8), QStringLiteral("*"));
+        // The views hear of the one mark cell, and keep their rows.
+        QCOMPARE(changedRanges(changed), QStringList{"3-3,7-7"});
         auto* save = m_window->findChild<QAction*>("mnuPopup_SavePatch");
         QVERIFY(save->isEnabled() && m_window->findChild<QAction*>("mnuPopup_DiscardPatch")->isEnabled());
 
@@ -93,6 +104,8 @@ private slots:
         save->trigger();
         QVERIFY(QFile::exists(patch));
         QCOMPARE(m_window->pictureModel().cellText(3, 8), QString());
+        QCOMPARE(changedRanges(changed), (QStringList{"3-3,7-7", "3-3,7-7"}));
+        QCOMPARE(reset.count(), 0);
         QVERIFY(!save->isEnabled());
     }
 
