@@ -25,6 +25,7 @@
 #include "picture_list_model.h"
 #include "preview_widget.h"
 #include "qt_text.h"
+#include "workspace_selection.h"
 
 namespace korvatek::gui {
 
@@ -32,10 +33,13 @@ using settings::CaptionKey;
 
 namespace {
 
-QTreeView* makeList(const char* name, QAbstractItemModel* model, QWidget* parent) {
+QTreeView* makeList(const char* name, QAbstractItemModel* model, WorkspaceSelection* selection, QWidget* parent) {
     auto* list = new QTreeView(parent);
     list->setObjectName(QLatin1String(name));
     list->setModel(model);
+    QItemSelectionModel* own = list->selectionModel();
+    list->setSelectionModel(selection);
+    delete own;
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setAllColumnsShowFocus(true);
@@ -75,6 +79,8 @@ Form1::~Form1() = default;
 void Form1::buildWidgets() {
     m_pictureModel = new PictureListModel(m_ws.ListView1, this);
     m_glyphModel = new GlyphListModel(m_ws.ListView2, this);
+    m_pictureSelection = new WorkspaceSelection(m_pictureModel, [this](int row) { pictureRowRequested(row); }, this);
+    m_glyphSelection = new WorkspaceSelection(m_glyphModel, [this](int row) { glyphRowRequested(row); }, this);
 
     auto* listPane = new QWidget;
     m_tabStrip = new QTabBar(listPane);
@@ -87,8 +93,8 @@ void Form1::buildWidgets() {
     m_fontSelector->setObjectName(QStringLiteral("Ftype"));
     m_fontSelector->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_fontSelector->setMinimumContentsLength(10);
-    m_pictureList = makeList("ListView1", m_pictureModel, listPane);
-    m_glyphList = makeList("ListView2", m_glyphModel, listPane);
+    m_pictureList = makeList("ListView1", m_pictureModel, m_pictureSelection, listPane);
+    m_glyphList = makeList("ListView2", m_glyphModel, m_glyphSelection, listPane);
 
     auto* listLayout = new QVBoxLayout(listPane);
     listLayout->setContentsMargins(6, 6, 0, 0);
@@ -136,10 +142,6 @@ void Form1::buildWidgets() {
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
     connect(m_fontSelector, &QComboBox::activated, this,
             [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }); });
-    connect(m_pictureList->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current) { onPictureRowChanged(current); });
-    connect(m_glyphList->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current) { onGlyphRowChanged(current); });
     connect(m_pictureList, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { showPopup(m_pictureList, m_picturePopup, at); });
     connect(m_glyphList, &QWidget::customContextMenuRequested, this,
@@ -209,16 +211,21 @@ void Form1::copyToClipboard(const std::optional<std::string>& text) {
 
 // ---- lists
 
-void Form1::onPictureRowChanged(const QModelIndex& current) {
-    if (m_syncing || !current.isValid()) return;
-    m_ws.selectPicture(current.row());
-    runCommand([this] { m_ws.ListView1_Click(); });
+// A click or key in a list: the Workspace selects the row and shows it, once per change of row.
+void Form1::pictureRowRequested(int row) {
+    if (row == m_ws.ListView1Selected) return;
+    runCommand([this, row] {
+        m_ws.selectPicture(row);
+        m_ws.ListView1_Click();
+    });
 }
 
-void Form1::onGlyphRowChanged(const QModelIndex& current) {
-    if (m_syncing || !current.isValid()) return;
-    m_ws.selectGlyph(current.row());
-    runCommand([this] { m_ws.ListView2_Click(); });
+void Form1::glyphRowRequested(int row) {
+    if (row == m_ws.ListView2Selected) return;
+    runCommand([this, row] {
+        m_ws.selectGlyph(row);
+        m_ws.ListView2_Click();
+    });
 }
 
 void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
@@ -233,8 +240,8 @@ void Form1::refreshFromWorkspace() {
     const bool picturesRead = m_pictureModel->update();
     const bool glyphsRead = m_glyphModel->update();
     if (picturesRead || glyphsRead) resizeListColumns();
-    syncSelection(m_pictureList, m_ws.ListView1Selected);
-    syncSelection(m_glyphList, m_ws.ListView2Selected);
+    m_pictureSelection->show(m_ws.ListView1Selected);
+    m_glyphSelection->show(m_ws.ListView2Selected);
     fillFontSelector();
     updateCommandStates();
     showPreview();
@@ -257,22 +264,6 @@ void Form1::fillFontSelector() {
         m_fontSelector->addItems(fonts);
     }
     if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
-}
-
-// The Workspace moved a selection (a batch walks the rows, opening a file clears it): the
-// list follows without running its list event again.
-void Form1::syncSelection(QTreeView* list, int row) {
-    const QModelIndex shown = list->currentIndex();
-    if ((shown.isValid() ? shown.row() : -1) == row) return;
-    m_syncing = true;
-    if (row >= 0 && row < list->model()->rowCount()) {
-        const QModelIndex target = list->model()->index(row, 0);
-        list->selectionModel()->setCurrentIndex(target, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-        list->scrollTo(target);
-    } else {
-        list->selectionModel()->clear();
-    }
-    m_syncing = false;
 }
 
 void Form1::showPreview() {

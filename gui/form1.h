@@ -31,6 +31,7 @@ class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
 class PreviewWidget;
+class WorkspaceSelection;
 
 class Form1 : public QMainWindow {
     Q_OBJECT
@@ -80,12 +81,11 @@ private:
     void runCommand(const std::function<void()>& command);
     void refreshFromWorkspace();
     void fillFontSelector();
-    void syncSelection(QTreeView* list, int row);
     void showPreview();
     void showTab();
     void resizeListColumns();
-    void onPictureRowChanged(const QModelIndex& current);
-    void onGlyphRowChanged(const QModelIndex& current);
+    void pictureRowRequested(int row);
+    void glyphRowRequested(int row);
     void showPopup(QTreeView* list, QMenu* popup, const QPoint& position);
 
     QtUserInterface m_ui;
@@ -95,6 +95,8 @@ private:
 
     PictureListModel* m_pictureModel = nullptr;
     GlyphListModel* m_glyphModel = nullptr;
+    WorkspaceSelection* m_pictureSelection = nullptr;
+    WorkspaceSelection* m_glyphSelection = nullptr;
     QTabBar* m_tabStrip = nullptr;
     QComboBox* m_fontSelector = nullptr;
     QTreeView* m_pictureList = nullptr;
@@ -115,7 +117,6 @@ private:
     std::vector<std::pair<QAction*, settings::CaptionKey>> m_captioned;
     PopupPresenter m_popupPresenter;
     bool m_running = false;  // a command is under way
-    bool m_syncing = false;  // the window moves a list's selection itself
     bool m_listPaneFitted = false;
 };
 
