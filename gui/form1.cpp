@@ -1,7 +1,5 @@
 #include "form1.h"
 
-#include <new>
-
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -27,6 +25,7 @@
 #include "picture_list_model.h"
 #include "preview_widget.h"
 #include "qt_text.h"
+#include "workspace_selection.h"
 
 namespace korvatek::gui {
 
@@ -34,10 +33,13 @@ using settings::CaptionKey;
 
 namespace {
 
-QTreeView* makeList(const char* name, QAbstractItemModel* model, QWidget* parent) {
+QTreeView* makeList(const char* name, QAbstractItemModel* model, WorkspaceSelection* selection, QWidget* parent) {
     auto* list = new QTreeView(parent);
     list->setObjectName(QLatin1String(name));
     list->setModel(model);
+    QItemSelectionModel* own = list->selectionModel();
+    list->setSelectionModel(selection);
+    delete own;
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setAllColumnsShowFocus(true);
@@ -77,6 +79,8 @@ Form1::~Form1() = default;
 void Form1::buildWidgets() {
     m_pictureModel = new PictureListModel(m_ws.ListView1, this);
     m_glyphModel = new GlyphListModel(m_ws.ListView2, this);
+    m_pictureSelection = new WorkspaceSelection(m_pictureModel, [this](int row) { pictureRowRequested(row); }, this);
+    m_glyphSelection = new WorkspaceSelection(m_glyphModel, [this](int row) { glyphRowRequested(row); }, this);
 
     auto* listPane = new QWidget;
     m_tabStrip = new QTabBar(listPane);
@@ -89,8 +93,8 @@ void Form1::buildWidgets() {
     m_fontSelector->setObjectName(QStringLiteral("Ftype"));
     m_fontSelector->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_fontSelector->setMinimumContentsLength(10);
-    m_pictureList = makeList("ListView1", m_pictureModel, listPane);
-    m_glyphList = makeList("ListView2", m_glyphModel, listPane);
+    m_pictureList = makeList("ListView1", m_pictureModel, m_pictureSelection, listPane);
+    m_glyphList = makeList("ListView2", m_glyphModel, m_glyphSelection, listPane);
 
     auto* listLayout = new QVBoxLayout(listPane);
     listLayout->setContentsMargins(6, 6, 0, 0);
@@ -137,11 +141,7 @@ void Form1::buildWidgets() {
 
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
     connect(m_fontSelector, &QComboBox::activated, this,
-            [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }, After::Glyphs); });
-    connect(m_pictureList->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current) { onPictureRowChanged(current); });
-    connect(m_glyphList->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current) { onGlyphRowChanged(current); });
+            [this](int index) { runCommand([this, index] { m_ws.Ftype_Click(index); }); });
     connect(m_pictureList, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { showPopup(m_pictureList, m_picturePopup, at); });
     connect(m_glyphList, &QWidget::customContextMenuRequested, this,
@@ -153,11 +153,11 @@ void Form1::buildWidgets() {
 void Form1::startUp(const QStringList& arguments) {
     m_ws.ProgramDir = programDirectory();
     const std::string commandLine = commandLineText(arguments);
-    runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); }, After::Lists);
+    runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); });
     retranslate();
 }
 
-void Form1::runCommand(const std::function<void()>& command, After after) {
+void Form1::runCommand(const std::function<void()>& command) {
     if (m_running) return;
     m_running = true;
     try {
@@ -169,7 +169,7 @@ void Form1::runCommand(const std::function<void()>& command, After after) {
         m_ws.showMessage(m_ws.msg(settings::MessageKey::MsgOutOfMemory));
     }
     m_running = false;
-    refreshFromWorkspace(after);
+    refreshFromWorkspace();
 }
 
 void Form1::mnu_FileExit_Click() { close(); }
@@ -211,16 +211,21 @@ void Form1::copyToClipboard(const std::optional<std::string>& text) {
 
 // ---- lists
 
-void Form1::onPictureRowChanged(const QModelIndex& current) {
-    if (m_syncing || !current.isValid()) return;
-    m_ws.selectPicture(current.row());
-    runCommand([this] { m_ws.ListView1_Click(); });
+// A click or key in a list: the Workspace selects the row and shows it, once per change of row.
+void Form1::pictureRowRequested(int row) {
+    if (row == m_ws.ListView1Selected) return;
+    runCommand([this, row] {
+        m_ws.selectPicture(row);
+        m_ws.ListView1_Click();
+    });
 }
 
-void Form1::onGlyphRowChanged(const QModelIndex& current) {
-    if (m_syncing || !current.isValid()) return;
-    m_ws.selectGlyph(current.row());
-    runCommand([this] { m_ws.ListView2_Click(); });
+void Form1::glyphRowRequested(int row) {
+    if (row == m_ws.ListView2Selected) return;
+    runCommand([this, row] {
+        m_ws.selectGlyph(row);
+        m_ws.ListView2_Click();
+    });
 }
 
 void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
@@ -231,21 +236,13 @@ void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
 
 // ---- showing the Workspace
 
-void Form1::refreshFromWorkspace(After after) {
-    if (after == After::Lists) {
-        m_pictureModel->reload();
-        fillFontSelector();
-    } else {
-        m_pictureModel->refreshCells();
-    }
-    if (after == After::Cells)
-        m_glyphModel->refreshCells();
-    else
-        m_glyphModel->reload();
-    if (after != After::Cells) resizeListColumns();
-    syncSelection(m_pictureList, m_ws.ListView1Selected);
-    syncSelection(m_glyphList, m_ws.ListView2Selected);
-    if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
+void Form1::refreshFromWorkspace() {
+    const bool picturesRead = m_pictureModel->update();
+    const bool glyphsRead = m_glyphModel->update();
+    if (picturesRead || glyphsRead) resizeListColumns();
+    m_pictureSelection->show(m_ws.ListView1Selected);
+    m_glyphSelection->show(m_ws.ListView2Selected);
+    fillFontSelector();
     updateCommandStates();
     showPreview();
     showTab();
@@ -256,26 +253,17 @@ void Form1::refreshFromWorkspace(After after) {
                                         : QString());
 }
 
+// The fonts of the open fullflash, refilled only when they changed, and the chosen one.
 void Form1::fillFontSelector() {
-    m_fontSelector->clear();
-    for (const firmware::FontSelectorEntry& entry : m_ws.Ftype) m_fontSelector->addItem(toQString(entry.caption));
-    m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
-}
-
-// The Workspace moved a selection (a batch walks the rows, opening a file clears it): the
-// list follows without running its list event again.
-void Form1::syncSelection(QTreeView* list, int row) {
-    const QModelIndex shown = list->currentIndex();
-    if ((shown.isValid() ? shown.row() : -1) == row) return;
-    m_syncing = true;
-    if (row >= 0 && row < list->model()->rowCount()) {
-        const QModelIndex target = list->model()->index(row, 0);
-        list->selectionModel()->setCurrentIndex(target, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-        list->scrollTo(target);
-    } else {
-        list->selectionModel()->clear();
+    QStringList fonts;
+    for (const firmware::FontSelectorEntry& entry : m_ws.Ftype) fonts << toQString(entry.caption);
+    QStringList shown;
+    for (int item = 0; item < m_fontSelector->count(); ++item) shown << m_fontSelector->itemText(item);
+    if (shown != fonts) {
+        m_fontSelector->clear();
+        m_fontSelector->addItems(fonts);
     }
-    m_syncing = false;
+    if (m_fontSelector->currentIndex() != m_ws.FtypeIndex) m_fontSelector->setCurrentIndex(m_ws.FtypeIndex);
 }
 
 void Form1::showPreview() {

@@ -31,6 +31,7 @@ class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
 class PreviewWidget;
+class WorkspaceSelection;
 
 class Form1 : public QMainWindow {
     Q_OBJECT
@@ -64,10 +65,6 @@ public:
     GlyphListModel& glyphModel() { return *m_glyphModel; }
 
 private:
-    // What a command may have changed in the lists: cells only, the glyph list's rows, or the
-    // rows of both (a file was opened).
-    enum class After { Cells, Glyphs, Lists };
-
     void buildWidgets();
     void buildMenus();
     void buildPictureMenu();
@@ -77,19 +74,18 @@ private:
     QMenu* addFixedMenu(QMenu* parent, const char* name, const QString& caption);
     QAction* addFixedAction(QMenu* menu, const char* name, const QString& caption);
     void addTargetTypeItems(QMenu* menu, const char* prefix, void (app::Workspace::*command)(int));
-    void wire(QAction* action, std::function<void()> command, After after = After::Cells);
+    void wire(QAction* action, std::function<void()> command);
     void updateCommandStates();
     void copyToClipboard(const std::optional<std::string>& text);
 
-    void runCommand(const std::function<void()>& command, After after = After::Cells);
-    void refreshFromWorkspace(After after);
+    void runCommand(const std::function<void()>& command);
+    void refreshFromWorkspace();
     void fillFontSelector();
-    void syncSelection(QTreeView* list, int row);
     void showPreview();
     void showTab();
     void resizeListColumns();
-    void onPictureRowChanged(const QModelIndex& current);
-    void onGlyphRowChanged(const QModelIndex& current);
+    void pictureRowRequested(int row);
+    void glyphRowRequested(int row);
     void showPopup(QTreeView* list, QMenu* popup, const QPoint& position);
 
     QtUserInterface m_ui;
@@ -99,6 +95,8 @@ private:
 
     PictureListModel* m_pictureModel = nullptr;
     GlyphListModel* m_glyphModel = nullptr;
+    WorkspaceSelection* m_pictureSelection = nullptr;
+    WorkspaceSelection* m_glyphSelection = nullptr;
     QTabBar* m_tabStrip = nullptr;
     QComboBox* m_fontSelector = nullptr;
     QTreeView* m_pictureList = nullptr;
@@ -119,7 +117,6 @@ private:
     std::vector<std::pair<QAction*, settings::CaptionKey>> m_captioned;
     PopupPresenter m_popupPresenter;
     bool m_running = false;  // a command is under way
-    bool m_syncing = false;  // the window moves a list's selection itself
     bool m_listPaneFitted = false;
 };
 

@@ -63,9 +63,8 @@ QAction* Form1::addFixedAction(QMenu* menu, const char* name, const QString& cap
     return action;
 }
 
-void Form1::wire(QAction* action, std::function<void()> command, After after) {
-    connect(action, &QAction::triggered, this,
-            [this, command = std::move(command), after] { runCommand(command, after); });
+void Form1::wire(QAction* action, std::function<void()> command) {
+    connect(action, &QAction::triggered, this, [this, command = std::move(command)] { runCommand(command); });
 }
 
 // The "1 bit" to "24 bit" items of a target-type submenu, named prefix + "_1bit" ...
@@ -83,7 +82,7 @@ void Form1::buildMenus() {
     QMenu* file = addCaptionedMenu(bar, "mnu_File", CaptionKey::mnu_File);
     QAction* open = addCaptionedAction(file, "mnu_FileOpen", CaptionKey::mnu_FileOpen);
     open->setShortcut(QKeySequence::Open);
-    wire(open, [this] { m_ws.mnu_FileOpen(); }, After::Lists);
+    wire(open, [this] { m_ws.mnu_FileOpen(); });
     file->addSeparator();
     QAction* exit = addCaptionedAction(file, "mnu_FileExit", CaptionKey::mnu_FileExit);
     exit->setShortcut(QKeySequence::Quit);
@@ -102,9 +101,8 @@ void Form1::buildMenus() {
                        &app::Workspace::mnu_ToolsPNGtoGPF);
     wire(addFixedAction(tools, "mnu_ToolsGPFakaDAT", QStringLiteral("GPF<>DAT")), [this] { m_ws.mnu_ToolsGPFakaDAT(); });
     tools->addSeparator();
-    // Checking a patch may open the patched copy in place of the fullflash.
     m_checkPatch = addCaptionedAction(tools, "mnu_ToolsCheckPatch", CaptionKey::mnu_ToolsCheckPatch);
-    wire(m_checkPatch, [this] { m_ws.mnu_ToolsCheckPatch(); }, After::Lists);
+    wire(m_checkPatch, [this] { m_ws.mnu_ToolsCheckPatch(); });
 
     // Options and About are commands of the menu bar itself.
     connect(addCaptionedAction(bar, "mnu_Options", CaptionKey::mnu_Options), &QAction::triggered, this,
@@ -170,9 +168,7 @@ void Form1::buildGlyphMenu() {
     wire(addCaptionedAction(popup, "mnuPopup2_SaveAllBMP", CaptionKey::mnuPopup2_SaveAllBMP),
          [this] { m_ws.mnuPopup2_SaveAllBMP(); });
     separator(popup, "mnuPopup2_Bar1");
-    // Rebuilding a font rewrites its glyph list.
-    wire(addCaptionedAction(popup, "mnuPopup2_MakeF", CaptionKey::mnuPopup2_MakeF), [this] { m_ws.mnuPopup2_MakeF(); },
-         After::Glyphs);
+    wire(addCaptionedAction(popup, "mnuPopup2_MakeF", CaptionKey::mnuPopup2_MakeF), [this] { m_ws.mnuPopup2_MakeF(); });
     wire(addCaptionedAction(popup, "mnuPopup2_ChangeFSize", CaptionKey::mnuPopup2_ChangeFSize),
          [this] { m_ws.mnuPopup2_ChangeFSize(); });
     m_saveGlyphPatch = addCaptionedAction(popup, "mnuPopup2_SavePatch", CaptionKey::mnuPopup2_SavePatch);

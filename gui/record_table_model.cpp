@@ -1,5 +1,7 @@
 #include "record_table_model.h"
 
+#include <algorithm>
+
 #include "qt_text.h"
 
 namespace korvatek::gui {
@@ -8,23 +10,36 @@ RecordTableModel::RecordTableModel(QStringList captions, RowCount rowCount, Cell
     : QAbstractTableModel(parent),
       m_captions(std::move(captions)),
       m_rowCount(std::move(rowCount)),
-      m_cellText(std::move(cellText)) {
-    m_shownRows = m_rowCount();
+      m_cellText(std::move(cellText)),
+      m_rows(readRows()) {}
+
+int RecordTableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
-int RecordTableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : m_shownRows; }
+int RecordTableModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : markColumn(); }
 
-int RecordTableModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_captions.size());
+std::vector<RecordTableModel::Row> RecordTableModel::readRows() const {
+    const int count = std::max(m_rowCount(), 0);
+    std::vector<Row> rows(static_cast<std::size_t>(count));
+    for (int row = 0; row < count; ++row) {
+        Row& read = rows[static_cast<std::size_t>(row)];
+        for (int column = 1; column < markColumn(); ++column) {
+            read.cells += m_cellText(row, column);
+            read.cells += kCellEnd;
+        }
+        read.mark = m_cellText(row, markColumn());
+    }
+    return rows;
 }
 
 QString RecordTableModel::cellText(int row, int column) const {
-    // A command may have emptied the records before the views were told: ask the source too.
-    if (row < 0 || row >= m_shownRows || row >= m_rowCount() || column < 1 || column > m_captions.size()) return {};
-    const std::string& cell = m_cellText(row, column);
-    // An untouched mark cell holds the single character 0: nothing to show.
-    if (cell.size() == 1 && cell[0] == '\0') return {};
-    return toQString(cell);
+    if (row < 0 || row >= rowCount() || column < 1 || column > markColumn()) return {};
+    const Row& shown = m_rows[static_cast<std::size_t>(row)];
+    if (column == markColumn()) return toQString(shown.mark);
+    std::size_t start = 0;
+    for (int skipped = 1; skipped < column; ++skipped) start = shown.cells.find(kCellEnd, start) + 1;
+    return toQString(shown.cells.substr(start, shown.cells.find(kCellEnd, start) - start));
 }
 
 QString RecordTableModel::caption(int column) const {
@@ -52,15 +67,29 @@ QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, 
     return m_captions[section];
 }
 
-void RecordTableModel::reload() {
-    beginResetModel();
-    m_shownRows = m_rowCount();
-    endResetModel();
-}
-
-void RecordTableModel::refreshCells() {
-    if (m_rowCount() != m_shownRows) return reload();
-    if (m_shownRows > 0) emit dataChanged(index(0, 0), index(m_shownRows - 1, columnCount() - 1));
+bool RecordTableModel::update() {
+    std::vector<Row> rows = readRows();
+    const bool readAnew = !std::equal(rows.begin(), rows.end(), m_rows.begin(), m_rows.end(),
+                                      [](const Row& now, const Row& shown) { return now.cells == shown.cells; });
+    if (readAnew) {
+        beginResetModel();
+        m_rows = std::move(rows);
+        endResetModel();
+        return true;
+    }
+    // One notification for each run of neighbouring rows whose marks changed (a batch marks many).
+    const int mark = markColumn() - 1;
+    for (std::size_t row = 0; row < rows.size();) {
+        if (rows[row].mark == m_rows[row].mark) {
+            ++row;
+            continue;
+        }
+        const std::size_t first = row;
+        for (; row < rows.size() && rows[row].mark != m_rows[row].mark; ++row) m_rows[row].mark = std::move(rows[row].mark);
+        emit dataChanged(index(static_cast<int>(first), mark), index(static_cast<int>(row) - 1, mark),
+                         {Qt::DisplayRole, Qt::ToolTipRole});
+    }
+    return false;
 }
 
 }  // namespace korvatek::gui

@@ -1,13 +1,15 @@
 #pragma once
 // A list of the core's records as a table: every cell is the record's text, exactly as the
-// commands read it back. The records stay in the Workspace; the model only reads them, and is
-// told after each command whether the rows were replaced or only their cells changed.
+// commands read it back. The records stay in the Workspace; the model keeps the texts it last
+// told the views about, so a view that paints while a command is still changing the records
+// sees nothing half-done, and after the command update() tells the views what differs.
 
 #include <QAbstractTableModel>
 #include <QStringList>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace korvatek::gui {
 
@@ -15,7 +17,8 @@ class RecordTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     using RowCount = std::function<int()>;
-    // Column 1 is the first ("#"), as the commands count them.
+    // Column 1 is the first ("#"), as the commands count them. The last column is the mark
+    // ("*") of a record whose replacement waits in a patch.
     using CellText = std::function<std::string(int row, int column)>;
 
     RecordTableModel(QStringList captions, RowCount rowCount, CellText cellText, QObject* parent = nullptr);
@@ -25,24 +28,34 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    // The cell as the record holds it (column counted from 1), empty outside the table.
+    // The cell as the views were last told (column counted from 1), empty outside the table.
     QString cellText(int row, int column) const;
     QString caption(int column) const;
 
-    // After a command: the rows were replaced (a file was opened) ...
-    void reload();
-    // ... or only cell texts may have changed (a replacement mark).
-    void refreshCells();
+    // After a command: reads the records again and tells the views. A record changes in place
+    // only by gaining or losing its mark, so those rows get dataChanged for their mark cell;
+    // another length or any other cell that differs means the list was read anew (a fullflash
+    // opened, another font chosen) and the views are reset. Returns whether they were.
+    bool update();
 
     // Columns whose numbers read better right-aligned.
     void setRightAligned(QList<int> columns) { m_rightAligned = std::move(columns); }
 
 private:
+    struct Row {
+        std::string cells;  // every column's text but the mark's, each ended by kCellEnd
+        std::string mark;
+    };
+    static constexpr char kCellEnd = '\n';  // no cell holds a line break
+
+    std::vector<Row> readRows() const;
+    int markColumn() const { return static_cast<int>(m_captions.size()); }
+
     QStringList m_captions;
     RowCount m_rowCount;
     CellText m_cellText;
     QList<int> m_rightAligned;
-    int m_shownRows = 0;  // the row count the views were last told
+    std::vector<Row> m_rows;  // what the views were last told
 };
 
 }  // namespace korvatek::gui

@@ -1,5 +1,7 @@
-// The list models over the core's records, checked by Qt's model tester and cell by cell.
+// The list models over the core's records: Qt's model tester while commands change the records,
+// and what update() tells the views.
 #include <QAbstractItemModelTester>
+#include <QSignalSpy>
 #include <QTest>
 
 #include "support/scripted_interface.h"
@@ -14,71 +16,72 @@ namespace korvatek::gui::test {
 class ModelsTest : public QObject {
     Q_OBJECT
 private slots:
-    void pictureListShowsEveryCellAsTheRecordHoldsIt() {
+    void listsShowTheRecordsAsCommandsChangeThem() {
         app::ScriptedInterface answers;
         app::Workspace ws(answers);
-        PictureListModel model(ws.ListView1);
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QCOMPARE(model.rowCount(), 0);
-        QCOMPARE(model.columnCount(), 8);
+        PictureListModel pictures(ws.ListView1);
+        GlyphListModel glyphs(ws.ListView2);
+        QAbstractItemModelTester pictureTester(&pictures, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester glyphTester(&glyphs, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(pictures.columnCount(), 8);
+        QCOMPARE(glyphs.columnCount(), 10);
 
         ws.PathGiven = true;
         ws.CommandLinePath = demoFlashPath().toStdString();
         ws.mnu_FileOpen();
-        model.reload();
-        QCOMPARE(model.rowCount(), 1701);
-        for (int column = 1; column <= 8; ++column)
-            QCOMPARE(model.headerData(column - 1, Qt::Horizontal).toString(),
-                     QString::fromLatin1(firmware::kPictureColumnCaptions[column - 1]));
-        for (int row = 0; row < model.rowCount(); ++row) {
-            for (int column = 1; column <= 7; ++column)
-                QCOMPARE(model.data(model.index(row, column - 1)).toString(),
+        QVERIFY(pictures.update());
+        QVERIFY(!glyphs.update());  // no font chosen yet
+        QCOMPARE(pictures.rowCount(), 1701);
+        for (int row = 0; row < pictures.rowCount(); ++row)
+            for (int column = 1; column <= 8; ++column)
+                QCOMPARE(pictures.data(pictures.index(row, column - 1)).toString(),
                          QString::fromStdString(firmware::pictureCellText(ws.ListView1[row], column)));
-            // An untouched row has no mark.
-            QCOMPARE(model.data(model.index(row, 7)).toString(), QString());
-        }
-        QCOMPARE(model.cellText(1700, 6), QStringLiteral("1B06908"));
+        QCOMPARE(pictures.cellText(1700, 6), QStringLiteral("1B06908"));
 
-        // A replacement mark changes one cell; the rows stay.
-        ws.ListView1[3].replaced = true;
-        model.refreshCells();
-        QCOMPARE(model.data(model.index(3, 7)).toString(), QStringLiteral("*"));
-    }
-
-    void recordsEmptiedBeforeTheViewsAreToldReadAsNothing() {
-        std::vector<firmware::PictureRecord> records(3);
-        records[2].number = 2;
-        PictureListModel model(records);
-        QCOMPARE(model.rowCount(), 3);
-        // A command empties the records and paints before the window reloads the model.
-        records.clear();
-        QCOMPARE(model.data(model.index(2, 0)).toString(), QString());
-        QCOMPARE(model.cellText(2, 1), QString());
-        model.refreshCells();
-        QCOMPARE(model.rowCount(), 0);
-    }
-
-    void glyphListShowsTheChosenFontsRecords() {
-        app::ScriptedInterface answers;
-        app::Workspace ws(answers);
-        GlyphListModel model(ws.ListView2);
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QCOMPARE(model.rowCount(), 0);
-        QCOMPARE(model.columnCount(), 10);
-        QCOMPARE(model.headerData(6, Qt::Horizontal).toString(), QStringLiteral("0ffset"));
-
-        ws.PathGiven = true;
-        ws.CommandLinePath = demoFlashPath().toStdString();
-        ws.mnu_FileOpen();
         for (int font : {0, 1}) {
             ws.Ftype_Click(font);
-            model.reload();
-            QCOMPARE(model.rowCount(), static_cast<int>(ws.ListView2.size()));
-            QVERIFY(model.rowCount() > 0);
-            for (int row = 0; row < model.rowCount(); row += 7)
-                for (int column = 1; column <= 9; ++column)
-                    QCOMPARE(model.cellText(row, column), QString::fromStdString(fonts::glyphCellText(ws.ListView2[row], column)));
+            QVERIFY(glyphs.update());
+            QCOMPARE(glyphs.rowCount(), static_cast<int>(ws.ListView2.size()));
+            for (int row = 0; row < glyphs.rowCount(); row += 7)
+                for (int column = 1; column <= 10; ++column)
+                    QCOMPARE(glyphs.cellText(row, column),
+                             QString::fromStdString(fonts::glyphCellText(ws.ListView2[row], column)));
         }
+    }
+
+    void updateTellsTheViewsOnlyWhatChanged() {
+        std::vector<firmware::PictureRecord> records(6);
+        for (int row = 0; row < 6; ++row) records[row].number = row;
+        PictureListModel model(records);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+
+        QVERIFY(!model.update());
+        QVERIFY(changed.isEmpty() && reset.isEmpty());
+
+        // Marks: the mark cells of each run of neighbouring rows, nothing else.
+        records[1].replaced = records[3].replaced = records[4].replaced = true;
+        QVERIFY(!model.update());
+        QCOMPARE(changedRanges(changed), (QStringList{"1-1,7-7", "3-4,7-7"}));
+        QCOMPARE(model.cellText(4, 8), QStringLiteral("*"));
+        QCOMPARE(reset.count(), 0);
+
+        // Any other cell, or another length: the list was read anew.
+        records[2].width = 9;
+        QVERIFY(model.update());
+        records.pop_back();
+        QVERIFY(model.update());
+        QCOMPARE(model.rowCount(), 5);
+
+        // While a command empties the records the views see what they were last told.
+        records.clear();
+        QCOMPARE(model.rowCount(), 5);
+        QCOMPARE(model.cellText(2, 3), QStringLiteral("9"));
+        QVERIFY(model.update());
+        QCOMPARE(model.rowCount(), 0);
+        QCOMPARE(reset.count(), 3);
+        QCOMPARE(changed.count(), 2);
     }
 };
 

@@ -14,7 +14,6 @@ private slots:
         QTest::addColumn<QSize>("picture");
         QTest::addColumn<QSize>("pane");
         QTest::addColumn<int>("zoom");
-        QTest::newRow("largest picture, room for two") << QSize(240, 320) << QSize(600, 700) << 2;
         QTest::newRow("height decides") << QSize(176, 220) << QSize(900, 500) << 2;
         QTest::newRow("exactly three") << QSize(100, 100) << QSize(324, 324) << 3;
         QTest::newRow("one short of three") << QSize(100, 100) << QSize(323, 400) << 2;

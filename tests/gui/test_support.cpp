@@ -1,13 +1,14 @@
 #include "test_support.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
+#include <QModelIndex>
+#include <QSignalSpy>
 #include <QUuid>
 
 #include "support/scripted_interface.h"
@@ -18,7 +19,8 @@
 
 namespace korvatek::gui::test {
 
-QString testRoot() { return qEnvironmentVariable("HOME"); }
+// The run's temporary home (HOME, XDG_CONFIG_HOME, XDG_DATA_HOME, TMP point into it).
+static QString testRoot() { return qEnvironmentVariable("HOME"); }
 
 QString freshFolder(const QString& name) {
     const QString path = testRoot() + QStringLiteral("/") + name + QStringLiteral("-") +
@@ -46,7 +48,6 @@ QString demoPictureGpf2(int row) {
     ws.PathGiven = true;
     ws.CommandLinePath = demoFlashPath().toStdString();
     ws.mnu_FileOpen();
-    ws.PathGiven = false;
     ws.selectPicture(row);
     answers.saveFiles.push_back(target.toStdString());
     ws.mnuPopup_SaveGPF();
@@ -61,6 +62,16 @@ std::unique_ptr<Form1> makeWindow(const QString& settingsIni) {
     auto associations = std::make_unique<settings::FreedesktopAssociationStore>(
         (home + QStringLiteral("/data")).toStdString(), (home + QStringLiteral("/config")).toStdString());
     return std::make_unique<Form1>(std::make_unique<QSettingsStore>(ini), std::move(associations));
+}
+
+QStringList changedRanges(const QSignalSpy& dataChanged) {
+    QStringList ranges;
+    for (const QList<QVariant>& signal : dataChanged) {
+        const auto from = signal[0].value<QModelIndex>();
+        const auto to = signal[1].value<QModelIndex>();
+        ranges << QStringLiteral("%1-%2,%3-%4").arg(from.row()).arg(to.row()).arg(from.column()).arg(to.column());
+    }
+    return ranges;
 }
 
 ModalAnswerer::ModalAnswerer() {

@@ -1,6 +1,7 @@
 #pragma once
 // What the window tests share: the demonstration fullflash, a window with its settings and
-// associations kept under the run's temporary home, and a helper that answers modal boxes.
+// associations kept under the run's temporary home, a helper that answers modal boxes, and the
+// cells a model said had changed.
 
 #include <QObject>
 #include <QString>
@@ -11,13 +12,11 @@
 
 #include "form1.h"
 
-class QWidget;
+class QSignalSpy;
 
 namespace korvatek::gui::test {
 
-// The run's temporary home (HOME, XDG_CONFIG_HOME, XDG_DATA_HOME, TMP point into it).
-QString testRoot();
-// An empty folder under the run's home, made anew on each call.
+// An empty folder under the run's temporary home, made anew on each call.
 QString freshFolder(const QString& name);
 // The demonstration fullflash, written once per run.
 QString demoFlashPath();
@@ -27,6 +26,9 @@ QString demoPictureGpf2(int row);
 // A window whose settings live in `settingsIni` (a fresh file when empty) and whose
 // associations live under the run's home.
 std::unique_ptr<Form1> makeWindow(const QString& settingsIni = {});
+
+// The ranges of the dataChanged signals a spy caught, each as "rows first-last,columns first-last".
+QStringList changedRanges(const QSignalSpy& dataChanged);
 
 // While it lives, every modal box that opens is answered: message boxes are recorded and
 // answered OK (or Cancel when okAnswer is false); file dialogs get the next path of
