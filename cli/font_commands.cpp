@@ -144,8 +144,7 @@ namespace {
 // The glyph replacements of one `font-patch` run, collected in order.
 class GlyphRun {
 public:
-    GlyphRun(Console& console, const edit::OpenedFlash& flash, const fonts::FontTable& font)
-        : m_console(console), m_flash(flash), m_font(font) {}
+    GlyphRun(Console& console, const fonts::FontTable& font) : m_console(console), m_font(font) {}
 
     bool single(int code, const std::string& path);
     bool folder(const std::string& path);
@@ -159,7 +158,6 @@ private:
     bool replace(std::size_t index, const std::string& path);
 
     Console& m_console;
-    const edit::OpenedFlash& m_flash;
     const fonts::FontTable& m_font;
     codec::PixelCanvas m_grid{codec::PixelCanvas::kGlyphColumns, codec::PixelCanvas::kGlyphRows};
     std::vector<fonts::CollectedGlyph> m_glyphs;
@@ -254,7 +252,7 @@ int runFontPatch(const Arguments& args) {
     if (!flash) return 1;
     const auto font = openFont(console, *flash, *fontNumber);
     if (!font) return 1;
-    GlyphRun run(console, *flash, *font);
+    GlyphRun run(console, *font);
     bool allAccepted = true;
     for (const auto& r : replacements) allAccepted = (r.code ? run.single(*r.code, r.path) : run.folder(r.path)) && allAccepted;
     if (run.glyphs().empty()) return 1;  // nothing accepted: nothing written
