@@ -51,7 +51,13 @@ void Workspace::LoadGPF(const std::string& path) {
     lastDecodeRefused = false;
     const auto file = readFile(path, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    ByteReader in(*file);
+    loadContainer(*file);
+}
+
+void Workspace::loadContainer(const Bytes& file) {
+    ActionFailed = false;
+    lastDecodeRefused = false;
+    ByteReader in(file);
     const auto header = edit::readContainerHead(in, false);
     if (!header) return fail(header.error());
     IsGPF2 = header->isGPF2;

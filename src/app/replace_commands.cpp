@@ -38,8 +38,12 @@ void Workspace::AddPictureToPatch() {
     firmware::PictureRecord& row = ListView1[static_cast<std::size_t>(ReplacePictureNumber)];
     const std::int64_t oldLength = valHEX(picture.dataLength);
 
-    const auto container = readFile(DialogFileName, kMaxPictureFileSize);
-    LoadGPF(DialogFileName);
+    const bool inMemory = encodedReplacement && !encodedReplacement->empty();
+    const auto container = inMemory ? Result<Bytes>(*encodedReplacement) : readFile(DialogFileName, kMaxPictureFileSize);
+    if (inMemory)
+        loadContainer(*encodedReplacement);
+    else
+        LoadGPF(DialogFileName);
     if (ActionFailed || !container) return;
     edit::DecodedPicture replacement;
     replacement.width = picture.width;
@@ -72,6 +76,12 @@ void Workspace::mnuPopup_LoadGPF() {
     if (isMarked(*row)) {
         showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(number));
         ActionFailed = true;
+        return;
+    }
+    if (NoDialog && encodedReplacement && !encodedReplacement->empty()) {
+        // A BMP or PNG just encoded for this picture.
+        ReplacePictureNumber = number;
+        AddPictureToPatch();
         return;
     }
     std::string path = PresetPath;
@@ -141,12 +151,12 @@ void Workspace::ReplacePictureFromBMP() {
         return;
     }
     NoDialog = true;
-    PresetPath = temporaryPath("/temp.gpf2");
+    encodedReplacement.emplace();
     BMPtoGPFtool();
     if (!ActionFailed) mnuPopup_LoadGPF();
     // Cleared in every case, so that the next single replacement asks for its file again.
     NoDialog = false;
-    deleteFile(PresetPath);
+    encodedReplacement.reset();
 }
 
 void Workspace::ReplacePictureFromPNG(const std::string& path) {
@@ -160,11 +170,11 @@ void Workspace::ReplacePictureFromPNG(const std::string& path) {
     }
     NoDialog = true;
     PresetBmpPath = path;
-    PresetPath = temporaryPath("/temp.gpf2");
+    encodedReplacement.emplace();
     PNGtoGPFtool();
     if (!ActionFailed) mnuPopup_LoadGPF();
     NoDialog = false;
-    deleteFile(PresetPath);
+    encodedReplacement.reset();
 }
 
 void Workspace::ReplacePicturesFromBMPFolder() {
@@ -186,16 +196,16 @@ void Workspace::ReplacePicturesFromBMPFolder() {
         NoDialog = true;
         BmpFolderMode = true;
         PresetBmpPath = path;
-        PresetPath = temporaryPath("\\temp.gpf2");
+        encodedReplacement.emplace();
         BMPtoGPFtool();
         if (ActionFailed) {
-            deleteFile(PresetPath);
+            encodedReplacement.reset();
             NoDialog = false;
             BmpFolderMode = false;
             return;  // a bitmap that cannot be converted ends the whole command
         }
         mnuPopup_LoadGPF();
-        deleteFile(PresetPath);
+        encodedReplacement.reset();
         NoDialog = false;
         BmpFolderMode = false;
         setProgress(PictureMaxIndex > 0 ? static_cast<double>(n) / PictureMaxIndex * 100.0 : 100.0);

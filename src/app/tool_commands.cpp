@@ -46,7 +46,16 @@ void Workspace::writeCanvasContainer(const std::string& target, const std::strin
 }
 
 void Workspace::saveCanvasAsContainer(const std::string& source) {
-    // A replacement has fixed the target already; the tools ask for it.
+    if (NoDialog && encodedReplacement) {
+        // A replacement: the GPF2 container stays in memory for the picture patch.
+        IsGPF2 = true;
+        const auto encoded = edit::encodeContainer(canvas, TargetTypeField, true);
+        if (!encoded) return fail(encoded.error());
+        for (int i = 0; i < encoded->backSteps; ++i) showMessage("err");
+        encodedReplacement = encoded->bytes;
+        return;
+    }
+    // The target given in advance, or asked for.
     std::string target = PresetPath;
     if (!NoDialog) {
         const auto chosen = askContainerTarget(source);

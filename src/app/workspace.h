@@ -188,6 +188,10 @@ public:
     bool KeepOwnType = false;         // "original" in Load BMPs: each picture keeps its type
     bool BmpFolderMode = false;       // the BMP path is given (PresetBmpPath), no BMP dialog
     std::string PresetBmpPath;
+    // A BMP or PNG encoded for a replacement: its container, held until the picture patch
+    // takes it (never written to a file in between). Present (empty) while a replacement
+    // encodes; absent otherwise.
+    std::optional<Bytes> encodedReplacement;
     int ReplacePictureNumber = 0;
     bool UsedFreeSpace = false;
     bool PatchInProgress = false;
@@ -238,6 +242,8 @@ public:
 private:
     void openFirmware(const std::string& path);
     void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
+    // LoadGPF's work once the file is read.
+    void loadContainer(const Bytes& file);
     // Writes the canvas as a container of the target type: GPF2 when the name ends in "2".
     void writeCanvasContainer(const std::string& target, const std::string& source);
     // The end of the BMP>GPF and PNG>GPF tools: the target, then the container.
