@@ -16,6 +16,8 @@ Arguments parseArguments(const std::string& title, const std::string& usage, con
                          const std::vector<std::string>& words) {
     Arguments args;
     CLI::App app{title + "\nusage: korvatek-cli " + usage + "\n", "korvatek-cli " + usage.substr(0, usage.find(' '))};
+    // "/x" is a path on every system, never an option written the Windows way.
+    app.allow_windows_style_options(false);
     std::vector<std::string> positional;
     app.add_option("ARGS", positional, "see the usage line");
     std::vector<std::pair<CLI::Option*, const OptionSpec*>> declared;
