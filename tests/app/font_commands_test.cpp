@@ -98,8 +98,10 @@ TEST_F(Fonts, replacedGlyphsAreMarkedCollectedAndPatchedForTheirOwnFont) {
 TEST_F(Fonts, aRebuiltFontThatNoLongerFitsNamesTheFiguresAndAsksForNoFile) {
     openDemo(2);
     std::filesystem::create_directories(file("huge"));
-    for (int code = 1; code <= 40; ++code)
-        bitmap("huge/" + std::string(code < 10 ? "000" : "00") + std::to_string(code) + ".bmp", 100, 100, {0, 0, 100, 100});
+    for (int code = 1; code <= 40; ++code) {
+        const std::string name = std::string(code < 10 ? "huge/000" : "huge/00") + std::to_string(code) + ".bmp";
+        bitmap(name, 100, 100, {0, 0, 100, 100});
+    }
     ui.folders.push_back(file("huge"));
     ws.mnuPopup2_MakeF();
     EXPECT_TRUE(ws.ActionFailed);

@@ -18,7 +18,8 @@ bool isValidUtf8(std::string_view s) {
     static constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
     for (std::size_t i = 0; i < s.size();) {
         const auto b = static_cast<unsigned char>(s[i]);
-        const std::size_t len = b < 0x80 ? 1 : b >= 0xC2 && b <= 0xDF ? 2 : b >= 0xE0 && b <= 0xEF ? 3 : b >= 0xF0 && b <= 0xF4 ? 4 : 0;
+        const std::size_t len =
+            b < 0x80 ? 1 : b >= 0xC2 && b <= 0xDF ? 2 : b >= 0xE0 && b <= 0xEF ? 3 : b >= 0xF0 && b <= 0xF4 ? 4 : 0;
         if (len == 0 || i + len > s.size()) return false;
         std::uint32_t cp = len == 1 ? b : b & (0x7Fu >> len);
         for (std::size_t j = 1; j < len; ++j) {

@@ -2,6 +2,7 @@
 // the picture patch.
 #include <algorithm>
 #include <filesystem>
+#include <tuple>
 
 #include "edit/picture_decode.h"
 #include "patch/vkp_text.h"
@@ -29,31 +30,20 @@ TEST_F(PictureList, browsingNeverAsksAndAnUnknownCodeBorrowsThePreviousDepth) {
     EXPECT_EQ(ws.picture.bits, 16);
     EXPECT_EQ(ui.messages.size(), 1u);
     EXPECT_TRUE(ui.questions.empty());
-}
 
-struct Unshowable {
-    const char* name;
-    int row;
-    settings::MessageKey message;
-};
-void PrintTo(const Unshowable& c, std::ostream* out) { *out << c.name; }
-class UnshowablePicture : public WorkspaceTestWithParam<Unshowable> {};
-
-TEST_P(UnshowablePicture, failsForgetsTheShownPictureAndSavesNothing) {
-    openSample();
-    show(kPlain16);
-    show(GetParam().row);
-    EXPECT_TRUE(ws.ActionFailed);
-    EXPECT_EQ(shown(), texts({GetParam().message}));
-    EXPECT_FALSE(ws.ShownPicture.has_value());
-    ws.mnuPopup_SaveGPF();
-    ws.mnuPopup_SaveBMP();
-    EXPECT_TRUE(ui.fileDialogs.empty());
+    // A row that cannot be shown fails, forgets the picture shown and offers nothing to save.
+    for (const auto& [row, message] : {std::pair{kNoData, MsgDataOffsetZero}, std::pair{kTooWide, MsgOutsideCanvas}}) {
+        show(kPlain16);
+        forget();
+        show(row);
+        EXPECT_TRUE(ws.ActionFailed);
+        EXPECT_EQ(shown(), texts({message}));
+        EXPECT_FALSE(ws.ShownPicture.has_value());
+        ws.mnuPopup_SaveGPF();
+        ws.mnuPopup_SaveBMP();
+        EXPECT_TRUE(ui.fileDialogs.empty());
+    }
 }
-INSTANTIATE_TEST_SUITE_P(Rows, UnshowablePicture,
-                         ::testing::Values(Unshowable{"noData", kNoData, MsgDataOffsetZero},
-                                           Unshowable{"tooWide", kTooWide, MsgOutsideCanvas}),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 // Saving a picture other than the one shown decodes it first: the container ends where its
 // own data end.
@@ -140,9 +130,10 @@ protected:
     // The pictures the collected patch has sections for, in order.
     std::vector<int> sections() const {
         std::vector<int> numbers;
+        const std::string& text = ws.PicturePatchText;
         const std::string mark = "; ##### Picture ";
-        for (auto at = ws.PicturePatchText.find(mark); at != std::string::npos; at = ws.PicturePatchText.find(mark, at + 1))
-            numbers.push_back(std::stoi(ws.PicturePatchText.substr(at + mark.size())));
+        for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1))
+            numbers.push_back(std::stoi(text.substr(at + mark.size())));
         return numbers;
     }
 };
@@ -165,6 +156,23 @@ TEST_F(PicturePatch, replacementsGoInPlaceOrToFreeSpaceInTurn) {
     EXPECT_EQ(ws.PicturePatchText.find(header, 1), std::string::npos);
     EXPECT_EQ(sections(), (std::vector<int>{kPlain16, kOneByte, kPacked24}));
     EXPECT_EQ(readAll(ws.collectingPatchPath()), bytesOf(ws.PicturePatchText));
+
+    // Saved, checked against the open fullflash and its patched copy opened: each replaced row
+    // has its replacement's size and type, the others are as they were.
+    ui.saveFiles = {file("pictures.vkp"), file("patched.bin")};
+    ui.openFiles = {file("pictures.vkp")};
+    ws.mnuPopup_SavePatch();
+    ws.mnu_ToolsCheckPatch();
+    EXPECT_EQ(proposed(), "sample_patched.bin");
+    EXPECT_EQ(ui.questions.back(), text(MsgOpenPatchedCopy));
+    ASSERT_EQ(ws.FirmwarePath, file("patched.bin"));
+    const auto sizeAndType = [this](int n) {
+        const auto& row = ws.ListView1.at(static_cast<std::size_t>(n));
+        return std::tuple(row.width, row.height, row.type);
+    };
+    EXPECT_EQ(sizeAndType(kOneByte), std::tuple(2, 1, 0x05));
+    EXPECT_EQ(sizeAndType(kPacked24), std::tuple(16, 1, 0x05));
+    EXPECT_EQ(sizeAndType(kUnknownCode), std::tuple(1, 1, 0x0A));
 }
 
 TEST_F(PicturePatch, aMarkedPictureIsRefusedUntilThePatchIsSavedOrDropped) {

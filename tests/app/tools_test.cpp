@@ -15,7 +15,8 @@ using Tools = WorkspaceTest;
 TEST_F(Tools, gpfToBmpAsksAboutAlphaAndProposesTheSourcesName) {
     // A format the decoder refuses writes nothing when the caller asks for that.
     ws.StopOnRefusedFormat = true;
-    ui.openFiles = {container("mono.gpf2", true, 4, 4, 0x81, {0x01}), container("alpha.gpf2", true, 1, 1, 0x0A, {1, 2, 3, 4})};
+    ui.openFiles = {container("mono.gpf2", true, 4, 4, 0x81, {0x01}),
+                    container("alpha.gpf2", true, 1, 1, 0x0A, {1, 2, 3, 4})};
     ui.saveFiles = {file("refused.bmp")};
     ws.mnu_ToolsGPFtoBMP();
     EXPECT_TRUE(ws.ActionFailed);
@@ -127,7 +128,9 @@ protected:
         ws.mnu_ToolsMake();
     }
     bool made(const char* block) const { return std::filesystem::exists(output + "/" + block); }
-    std::string empty(const char* number) const { return text(MsgFile) + number + ".gpf2 (or .gpf)" + text(MsgReplacedByEmpty); }
+    std::string empty(const char* number) const {
+        return text(MsgFile) + number + ".gpf2 (or .gpf)" + text(MsgReplacedByEmpty);
+    }
     const std::string source = file("source");
     const std::string output = file("output");
 };

@@ -1,6 +1,5 @@
 #include "support/workspace_test.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "codec/bmp_file.h"
@@ -30,37 +29,6 @@ const std::string& demoFlashPath() {
     }();
     return path;
 }
-
-namespace {
-
-// TMP as UTF-8; on Windows through the wide environment, so that a name outside ASCII
-// arrives whole. Setting nothing removes it.
-std::optional<std::string> tmpVariable() {
-#ifdef _WIN32
-    const wchar_t* value = _wgetenv(L"TMP");
-    return value ? std::optional(app::pathText(value)) : std::nullopt;
-#else
-    const char* value = std::getenv("TMP");
-    return value ? std::optional<std::string>(value) : std::nullopt;
-#endif
-}
-
-void setTmpVariable(const std::optional<std::string>& value) {
-#ifdef _WIN32
-    _wputenv_s(L"TMP", value ? app::toPath(*value).c_str() : L"");
-#else
-    if (value)
-        ::setenv("TMP", value->c_str(), 1);
-    else
-        ::unsetenv("TMP");
-#endif
-}
-
-}  // namespace
-
-WorkspaceTest::WorkspaceTest() : folder(testFolder()), m_savedTmp(tmpVariable()) { setTmpVariable(folder); }
-
-WorkspaceTest::~WorkspaceTest() { setTmpVariable(m_savedTmp); }
 
 void WorkspaceTest::open(const std::string& path) {
     ui.openFiles.push_back(path);

@@ -1,7 +1,7 @@
 #pragma once
 // The fixture of the window's command tests: a Workspace answering from a ScriptedInterface,
-// a folder of the test's own (also the temporary folder, so that the collecting files and
-// converted pictures of a command can be looked at), and the files the commands are given.
+// a folder of the test's own and the files the commands are given there. The commands keep
+// their temporary files in the process's own private folder (app::temporaryPath).
 // The commands' bytes are the edit operations' and are judged by the command-line scripts;
 // these tests judge what the window adds: dialogs, questions, marks and state.
 
@@ -9,7 +9,6 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +17,9 @@
 #include "support/scripted_interface.h"
 
 namespace korvatek::app {
-inline void PrintTo(const ScriptedInterface::Shown& s, std::ostream* out) { *out << '"' << s.text << "\" titled \"" << s.title << '"'; }
+inline void PrintTo(const ScriptedInterface::Shown& s, std::ostream* out) {
+    *out << '"' << s.text << "\" titled \"" << s.title << '"';
+}
 }  // namespace korvatek::app
 
 namespace korvatek::testing {
@@ -44,9 +45,6 @@ struct Ink {
 
 class WorkspaceTest : public ::testing::Test {
 protected:
-    WorkspaceTest();
-    ~WorkspaceTest() override;
-
     // Opens the file through File > Open and forgets what that showed and asked.
     void open(const std::string& path);
     void openSample() { open(sampleFlash().writeTo("sample.bin")); }
@@ -69,12 +67,7 @@ protected:
                           const Bytes& data);
     std::string bitmap(const std::string& name, int width, int height, Ink ink = {});
 
-    const std::string folder;
-
-private:
-    const std::optional<std::string> m_savedTmp;
-
-protected:
+    const std::string folder = testFolder();
     app::ScriptedInterface ui;
     app::Workspace ws{ui};
 };
