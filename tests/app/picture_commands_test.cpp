@@ -1,207 +1,252 @@
-// Showing and saving pictures of an open fullflash.
-#include <gtest/gtest.h>
-
+// The picture list: browsing, saving one picture or all of them, and replacing pictures into
+// the picture patch.
+#include <algorithm>
 #include <filesystem>
+#include <tuple>
 
-#include "support/scripted_interface.h"
-#include "app/workspace.h"
-#include "containers/gpf_header.h"
-#include "support/flash_builder.h"
+#include "edit/picture_decode.h"
+#include "patch/vkp_text.h"
+#include "support/workspace_test.h"
 
-namespace korvatek::app {
-
-using testing::FlashBuilder;
-using testing::readAll;
-
+namespace korvatek::testing {
 namespace {
 
-constexpr std::uint32_t kData = 0x1B07068;
+using enum settings::MessageKey;
+using PictureList = WorkspaceTest;
 
-// Picture 0: 3 x 2 uncompressed 16-bit; 1: type 0x0A (listed as A00); 2: data offset 0;
-// 3: 2 x 1 compressed 24-bit; 4: 1-bit 9 x 1; 5: type 0x81; 6: 250 x 1 8-bit (too wide).
-FlashBuilder sampleFlash() {
-    FlashBuilder flash;
-    flash.picture(0, 3, 2, 0x08, kData, {0x1F, 0, 0xE0, 0x07, 0, 0xF8, 0, 0xE0, 0xFF, 0xFF, 0, 0, 0xAB, 0xCD})
-        .picture(1, 1, 1, 0x0A, kData + 0x100, {0x11, 0x22})
-        .picture(2, 4, 4, 0x85, 0)
-        .picture(3, 2, 1, 0x8A, kData + 0x200, {0x02, 0x10, 0x20, 0x30, 0x80})
-        .picture(4, 9, 1, 0x01, kData + 0x300, {0xAA, 0x80})
-        .picture(5, 2, 2, 0x81, kData + 0x400, {0x04, 0x05})
-        .picture(6, 250, 1, 0x05, kData + 0x500, Bytes(250, 3));
-    return flash;
+TEST_F(PictureList, browsingNeverAsksAndAnUnknownCodeBorrowsThePreviousDepth) {
+    openSample();
+    show(kUnknownCode);  // nothing decoded yet: no depth to borrow
+    EXPECT_EQ(shown(), texts({MsgGpfNotSupported}));
+    EXPECT_TRUE(ws.lastDecodeRefused);
+    EXPECT_FALSE(ws.ActionFailed);
+    show(kPacked24);
+    EXPECT_EQ(ws.ShownPicture, kPacked24);
+    EXPECT_EQ(ws.preview.source, app::Preview::Source::Picture);
+    EXPECT_EQ(ws.preview.width, 2);
+    show(kPlain16);
+    show(kUnknownCode);
+    EXPECT_FALSE(ws.lastDecodeRefused);
+    EXPECT_EQ(ws.picture.bits, 16);
+    EXPECT_EQ(ui.messages.size(), 1u);
+    EXPECT_TRUE(ui.questions.empty());
+
+    // A row that cannot be shown fails, forgets the picture shown and offers nothing to save.
+    for (const auto& [row, message] : {std::pair{kNoData, MsgDataOffsetZero}, std::pair{kTooWide, MsgOutsideCanvas}}) {
+        show(kPlain16);
+        forget();
+        show(row);
+        EXPECT_TRUE(ws.ActionFailed);
+        EXPECT_EQ(shown(), texts({message}));
+        EXPECT_FALSE(ws.ShownPicture.has_value());
+        ws.mnuPopup_SaveGPF();
+        ws.mnuPopup_SaveBMP();
+        EXPECT_TRUE(ui.fileDialogs.empty());
+    }
 }
 
-struct Session {
-    ScriptedInterface ui;
-    Workspace ws{ui};
-    explicit Session(const FlashBuilder& flash) {
-        ui.openFiles.push_back(flash.writeTo("pictures.bin"));
-        ws.mnu_FileOpen();
-        ui.messages.clear();
-        ui.fileDialogs.clear();
+// Saving a picture other than the one shown decodes it first: the container ends where its
+// own data end.
+TEST_F(PictureList, savingOneProposesItsNumberAndAnnouncesAReplacedFile) {
+    openSample();
+    show(kPacked24);
+    ws.selectPicture(kPlain16);
+    const std::string out = file("zero.gpf2");
+    for (const bool again : {false, true}) {
+        forget();
+        ui.saveFiles.push_back(out);
+        ws.mnuPopup_SaveGPF();
+        ASSERT_EQ(ui.fileDialogs.size(), 1u);
+        EXPECT_EQ(ui.fileDialogs[0].title, text(MsgChooseFile) + "GPF:");
+        EXPECT_EQ(proposed(), "0000.gpf2");
+        EXPECT_EQ(shown(), (again ? std::vector<std::string>{replacing(out), text(MsgSuccess)} : texts({MsgSuccess})));
     }
-    void show(int n) {
-        ws.selectPicture(n);
-        ws.ListView1_Click();
+    const auto& row = ws.ListView1[kPlain16];
+    codec::PixelCanvas canvas;
+    const auto decoded = edit::decodeFlashPicture(ws.firmware->bytes(), row, 24, 0, canvas);
+    EXPECT_EQ(readAll(out), edit::flashPictureContainer(ws.firmware->bytes(), row, decoded));
+
+    forget();
+    ui.saveFiles.push_back(std::nullopt);
+    ws.mnuPopup_SaveGPF();
+    EXPECT_TRUE(ws.ActionFailed);
+    EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(PictureList, savingATwentyFourBitPictureAsksAboutItsAlpha) {
+    openSample();
+    for (const bool keep : {false, true}) {
+        show(kPlain16);
+        forget();
+        ws.selectPicture(kPacked24);
+        ui.answers = {keep};
+        ui.saveFiles = {file("three.bmp")};
+        ws.mnuPopup_SaveBMP();
+        EXPECT_EQ(ui.questions, texts({MsgSaveAlpha}));
+        EXPECT_EQ(proposed(), "0003.bmp");
+        EXPECT_EQ(readAll(file("three.bmp")).at(28), keep ? 32 : 24);
+    }
+}
+
+TEST_F(PictureList, batchesWriteEveryDecodablePictureAndAskAboutAlphaOnce) {
+    openSample();
+    std::filesystem::create_directories(file("gpf"));
+    std::filesystem::create_directories(file("bmp"));
+    ui.folders = {std::nullopt, file("gpf"), file("bmp")};
+    ws.mnuPopup_SaveAllBMP();  // cancelled
+    EXPECT_TRUE(ui.questions.empty() && ui.messages.empty());
+
+    ws.mnuPopup_SaveAllGPF();
+    EXPECT_EQ(ui.folderTitles.back(), text(MsgChooseSaveFolder));
+    for (const char* name : {"0000.gpf2", "0003.gpf2"}) EXPECT_TRUE(std::filesystem::exists(file("gpf/") + name));
+    for (const char* name : {"0002.gpf2", "0006.gpf2"}) EXPECT_FALSE(std::filesystem::exists(file("gpf/") + name));
+    EXPECT_EQ(shown().back(), text(MsgSuccess));
+    EXPECT_DOUBLE_EQ(ws.progress, 100.0);
+
+    ui.answers = {true};
+    ws.mnuPopup_SaveAllBMP();
+    EXPECT_EQ(ui.questions, texts({MsgSaveAlpha}));
+    EXPECT_EQ(readAll(file("bmp/0003.bmp")).at(28), 32);
+    EXPECT_EQ(readAll(file("bmp/0000.bmp")).at(28), 24);
+    EXPECT_FALSE(ws.BatchKeepAlpha);  // a single save afterwards asks again
+}
+
+// ---- replacing pictures: the patch being collected, the marks on the rows
+
+class PicturePatch : public WorkspaceTest {
+protected:
+    PicturePatch() { openSample(); }
+    void replace(int row, const std::string& path) {
+        show(row);
+        ui.openFiles.push_back(path);
+        ws.mnuPopup_LoadGPF();
+    }
+    // A container as long as picture kOneByte's data.
+    std::string oneByte(const std::string& name = "one.gpf2") { return container(name, true, 1, 1, 0x05, {0x66}); }
+    bool anyMarked() const {
+        return std::any_of(ws.ListView1.begin(), ws.ListView1.end(), [](const auto& row) { return row.replaced; });
+    }
+    bool collecting() const { return std::filesystem::exists(ws.collectingPatchPath()); }
+    // The pictures the collected patch has sections for, in order.
+    std::vector<int> sections() const {
+        std::vector<int> numbers;
+        const std::string& text = ws.PicturePatchText;
+        const std::string mark = "; ##### Picture ";
+        for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1))
+            numbers.push_back(std::stoi(text.substr(at + mark.size())));
+        return numbers;
     }
 };
 
+// A replacement no longer than the old data stays in place; a longer one takes the next piece
+// of free space, which then moves on.
+TEST_F(PicturePatch, replacementsGoInPlaceOrToFreeSpaceInTurn) {
+    replace(kPlain16, container("same.gpf2", true, 3, 2, 0x08, Bytes(12, 0x33)));
+    EXPECT_EQ(proposed(), "0000.gpf2");
+    EXPECT_TRUE(ws.ListView1[kPlain16].replaced);
+    EXPECT_FALSE(ws.UsedFreeSpace);
+    replace(kOneByte, container("longer.gpf2", true, 2, 1, 0x05, {0x44, 0x55}));
+    EXPECT_TRUE(ws.UsedFreeSpace);
+    EXPECT_EQ(ws.FreeSpaceStart, "1320010");
+    replace(kPacked24, container("grown.gpf2", true, 16, 1, 0x05, Bytes(16, 0x77)));
+    EXPECT_NE(ws.PicturePatchText.find("\r\n01320010: "), std::string::npos);  // where picture 3 went
+
+    const std::string header = patch::pictureHeader("E71");
+    EXPECT_EQ(ws.PicturePatchText.rfind(header, 0), 0u);
+    EXPECT_EQ(ws.PicturePatchText.find(header, 1), std::string::npos);
+    EXPECT_EQ(sections(), (std::vector<int>{kPlain16, kOneByte, kPacked24}));
+    EXPECT_EQ(readAll(ws.collectingPatchPath()), bytesOf(ws.PicturePatchText));
+
+    // Saved, checked against the open fullflash and its patched copy opened: each replaced row
+    // has its replacement's size and type, the others are as they were.
+    ui.saveFiles = {file("pictures.vkp"), file("patched.bin")};
+    ui.openFiles = {file("pictures.vkp")};
+    ws.mnuPopup_SavePatch();
+    ws.mnu_ToolsCheckPatch();
+    EXPECT_EQ(proposed(), "sample_patched.bin");
+    EXPECT_EQ(ui.questions.back(), text(MsgOpenPatchedCopy));
+    ASSERT_EQ(ws.FirmwarePath, file("patched.bin"));
+    const auto sizeAndType = [this](int n) {
+        const auto& row = ws.ListView1.at(static_cast<std::size_t>(n));
+        return std::tuple(row.width, row.height, row.type);
+    };
+    EXPECT_EQ(sizeAndType(kOneByte), std::tuple(2, 1, 0x05));
+    EXPECT_EQ(sizeAndType(kPacked24), std::tuple(16, 1, 0x05));
+    EXPECT_EQ(sizeAndType(kUnknownCode), std::tuple(1, 1, 0x0A));
+}
+
+TEST_F(PicturePatch, aMarkedPictureIsRefusedUntilThePatchIsSavedOrDropped) {
+    const std::string one = oneByte();
+    replace(kOneByte, one);
+    const std::string collected = ws.PicturePatchText;
+    forget();
+    replace(kOneByte, one);
+    EXPECT_EQ(ui.messages, (std::vector<Shown>{{text(MsgAlreadyReplaced), "5"}}));
+    EXPECT_TRUE(ui.fileDialogs.empty());
+    EXPECT_EQ(ws.PicturePatchText, collected);
+
+    // An existing file is replaced only when confirmed; until then the patch stays pending.
+    const std::string out = file("saved.vkp");
+    ASSERT_TRUE(app::writeFile(out, std::string("old")).ok());
+    ui.saveFiles = {out, out};
+    ui.answers = {false, true};
+    ws.mnuPopup_SavePatch();
+    EXPECT_EQ(proposed(), "GraphicPatch_E71.vkp");
+    EXPECT_EQ(ui.questions, std::vector<std::string>{replacing(out)});
+    EXPECT_TRUE(ws.mnuPopup_SavePatchEnabled());
+    EXPECT_TRUE(ws.ListView1[kOneByte].replaced);
+    EXPECT_EQ(readAll(out), bytesOf("old"));
+    ws.mnuPopup_SavePatch();
+    EXPECT_EQ(readAll(out), bytesOf(collected));
+    EXPECT_FALSE(ws.mnuPopup_SavePatchEnabled());
+    EXPECT_FALSE(anyMarked());
+    EXPECT_FALSE(collecting());
+    EXPECT_EQ(ui.messages.back().text, text(MsgSuccess));
+
+    replace(kOneByte, one);  // a fresh patch with its own header
+    EXPECT_EQ(ws.PicturePatchText, collected);
+    EXPECT_TRUE(collecting());
+    ws.mnuPopup_DiscardPatch();
+    EXPECT_FALSE(ws.mnuPopup_SavePatchEnabled());
+    EXPECT_TRUE(ws.PicturePatchText.empty());
+    EXPECT_FALSE(anyMarked());
+    EXPECT_FALSE(collecting());
+}
+
+// Only four-digit names count; a marked picture is named in the message title and skipped.
+TEST_F(PicturePatch, aFolderReplacesThePicturesNamedByNumber) {
+    replace(kOneByte, oneByte());
+    std::filesystem::create_directories(file("folder"));
+    oneByte("folder/0005.gpf2");
+    container("folder/0000.gpf2", true, 3, 2, 0x08, Bytes(12, 0x33));
+    oneByte("folder/3.gpf2");
+    forget();
+    ui.folders.push_back(file("folder"));
+    ws.mnuPopup_LoadGPFfolder();
+    EXPECT_EQ(ui.folderTitles, texts({MsgChooseOpenFolder}));
+    EXPECT_EQ(ui.messages, (std::vector<Shown>{{text(MsgAlreadyReplaced), "5"}, {text(MsgSuccess), ""}}));
+    EXPECT_EQ(sections(), (std::vector<int>{kOneByte, kPlain16}));
+}
+
+// A bitmap is encoded to the chosen type in a temporary container, which goes afterwards.
+TEST_F(PicturePatch, aBitmapIsConvertedToTheChosenTypeFirst) {
+    show(kPlain16);
+    ui.openFiles.push_back(bitmap("white.bmp", 3, 2));
+    ws.mnuPopup_LoadBMP(0x88);
+    ASSERT_EQ(ui.fileDialogs.size(), 1u);
+    EXPECT_EQ(proposed(), "0000.bmp");
+    EXPECT_TRUE(ws.ListView1[kPlain16].replaced);
+    EXPECT_EQ(ws.picture.typeCode, 0x88);
+    EXPECT_FALSE(ws.NoDialog);
+    EXPECT_FALSE(std::filesystem::exists(app::temporaryPath("/temp.gpf2")));
+
+    // a conversion that fails leaves the row unmarked, and the next replacement asks again
+    show(kOneByte);
+    ui.openFiles.push_back(file("missing.bmp"));
+    ws.mnuPopup_LoadBMP(0x85);
+    EXPECT_FALSE(ws.NoDialog);
+    EXPECT_FALSE(ws.ListView1[kOneByte].replaced);
+}
+
 }  // namespace
-
-TEST(LoadPIC, informationTextAndLength) {
-    Session s(sampleFlash());
-    s.show(0);
-    EXPECT_EQ(s.ws.PICinfo, "Width: 3\rHeight: 2\rBits: 16\rCompression: No\r\rLenght: 0xC");
-    EXPECT_EQ(s.ws.picture.dataLength, "C");
-    EXPECT_EQ(s.ws.ShownPicture, 0);
-    EXPECT_EQ(s.ws.canvas.at(0, 0), (codec::Cell{255, 0, 0, 0}));
-    EXPECT_EQ(s.ws.canvas.at(1, 1), (codec::Cell{255, 255, 255, 0}));
-    EXPECT_EQ(s.ws.canvas.at(0, 1), codec::TransparentPixel);
-    EXPECT_EQ(s.ws.preview.width, 3);
-    EXPECT_TRUE(s.ui.messages.empty());
-    EXPECT_TRUE(s.ui.questions.empty());  // browsing never asks about alpha
-}
-
-TEST(LoadPIC, unknownCodesKeepThePreviousBitDepth) {
-    Session s(sampleFlash());
-    s.show(1);  // fresh: no depth yet, so A0 is refused
-    EXPECT_EQ(s.ui.messageTexts(), std::vector<std::string>{"This GPF not supported!contact author please"});
-    EXPECT_TRUE(s.ws.lastDecodeRefused);
-    EXPECT_FALSE(s.ws.ActionFailed);
-    EXPECT_EQ(s.ws.PICinfo, "Width: 1\rHeight: 1\rBits: 0\rCompression: Yes\r\rLenght: 0x0");
-    s.show(0);
-    s.show(1);  // after a 16-bit picture it is decoded as compressed 16-bit data
-    EXPECT_FALSE(s.ws.lastDecodeRefused);
-    EXPECT_EQ(s.ws.PICinfo, "Width: 1\rHeight: 1\rBits: 16\rCompression: Yes\r\rLenght: 0x3");
-
-    s.ui.messages.clear();
-    s.show(4);  // 1-bit
-    s.show(5);  // 0x81 after 1-bit: 1-bit compressed is refused
-    EXPECT_EQ(s.ui.messageTexts(), std::vector<std::string>{"This GPF not supported!contact author please"});
-}
-
-TEST(LoadPIC, offsetZeroAndOversizedPicturesStopWithAMessage) {
-    Session s(sampleFlash());
-    s.show(2);
-    EXPECT_TRUE(s.ws.ActionFailed);
-    EXPECT_EQ(s.ui.messageTexts(), std::vector<std::string>{"Picture data offset is 0, nothing to show!"});
-    EXPECT_FALSE(s.ws.ShownPicture.has_value());
-    s.ui.messages.clear();
-    s.show(6);
-    EXPECT_TRUE(s.ws.ActionFailed);
-    EXPECT_EQ(s.ui.messageTexts(), std::vector<std::string>{"Picture data run outside the 240x320 picture area!"});
-}
-
-TEST(SaveGPF, copiesOneByteMoreThanDecodedAndPads) {
-    Session s(sampleFlash());
-    const std::string out = testing::testFolder() + "/zero.gpf2";
-    s.ws.selectPicture(0);
-    s.ui.saveFiles.push_back(out);
-    s.ws.mnuPopup_SaveGPF();
-    ASSERT_FALSE(s.ws.ActionFailed);
-    ASSERT_EQ(s.ui.fileDialogs.size(), 1u);
-    EXPECT_EQ(s.ui.fileDialogs[0].title, "Choose file GPF:");
-    EXPECT_EQ(s.ui.fileDialogs[0].fileName, "0000.gpf2");
-    EXPECT_EQ(s.ui.fileDialogs[0].filter, "Graphic Patch File 2(*.gpf2)|*.gpf2");
-    EXPECT_EQ(s.ui.messageTexts(), std::vector<std::string>{"Successfully completed"});
-
-    Bytes expected = containers::SaveGPFhead(true, 3, 2, std::string{'\x08', '\0'});
-    const Bytes data{0x1F, 0, 0xE0, 0x07, 0, 0xF8, 0, 0xE0, 0xFF, 0xFF, 0, 0, 0xAB};  // 12 + 1
-    expected.insert(expected.end(), data.begin(), data.end());
-    expected.insert(expected.end(), 3, 0);
-    EXPECT_EQ(readAll(out), expected);
-
-    // The shown picture is not decoded again, and an existing file is announced and replaced.
-    s.ui.messages.clear();
-    s.ui.saveFiles.push_back(out);
-    s.ws.mnuPopup_SaveGPF();
-    EXPECT_EQ(s.ui.messageTexts(), (std::vector<std::string>{
-                                       "File " + out + " already exists and will be replaced", "Successfully completed"}));
-    EXPECT_EQ(readAll(out), expected);
-}
-
-TEST(SaveGPF, typeA00IsSavedAsA0) {
-    Session s(sampleFlash());
-    s.show(0);
-    const std::string out = testing::testFolder() + "/one.gpf2";
-    s.ws.selectPicture(1);
-    s.ui.saveFiles.push_back(out);
-    s.ws.mnuPopup_SaveGPF();
-    const Bytes file = readAll(out);
-    ASSERT_GE(file.size(), 32u);
-    EXPECT_EQ(file[24], 0xA0);
-    EXPECT_EQ(file[25], 0x00);
-}
-
-TEST(SaveGPF, cancellingTheDialogWritesNothing) {
-    Session s(sampleFlash());
-    s.ws.selectPicture(0);
-    s.ui.saveFiles.push_back(std::nullopt);
-    s.ws.mnuPopup_SaveGPF();
-    EXPECT_TRUE(s.ws.ActionFailed);
-    EXPECT_TRUE(s.ui.messages.empty());
-}
-
-TEST(SaveBMP, aTwentyFourBitPictureAsksAboutAlphaWhenNotShown) {
-    for (bool keep : {false, true}) {
-        Session s(sampleFlash());
-        const std::string out = testing::testFolder() + "/three.bmp";
-        s.ws.selectPicture(3);
-        s.ui.answers.push_back(keep);
-        s.ui.saveFiles.push_back(out);
-        s.ws.mnuPopup_SaveBMP();
-        ASSERT_EQ(s.ui.questions, std::vector<std::string>{"Save alphachannel for image?"});
-        EXPECT_EQ(s.ui.fileDialogs.at(0).fileName, "0003.bmp");
-        const Bytes bmp = readAll(out);
-        ASSERT_EQ(bmp.size(), keep ? 54u + 8 : 54u + 8);
-        EXPECT_EQ(bmp[28], keep ? 32 : 24);
-        if (keep)
-            EXPECT_EQ(Bytes(bmp.begin() + 54, bmp.begin() + 58), (Bytes{0x10, 0x20, 0x30, 0x80}));
-        else
-            EXPECT_EQ(Bytes(bmp.begin() + 54, bmp.end()), (Bytes{0, 0, 0, 0, 0, 0, 0, 0}));
-    }
-}
-
-TEST(Batches, everyDecodablePictureIsWrittenUnderItsNumber) {
-    Session s(sampleFlash());
-    const std::string folder = testing::testFolder();
-    s.ui.folders.push_back(folder + "/gpf");
-    std::filesystem::create_directories(folder + "/gpf");
-    s.ws.mnuPopup_SaveAllGPF();
-    EXPECT_EQ(s.ui.folderTitles, std::vector<std::string>{"Choose folder for save files"});
-    EXPECT_TRUE(std::filesystem::exists(folder + "/gpf/0000.gpf2"));
-    EXPECT_TRUE(std::filesystem::exists(folder + "/gpf/0003.gpf2"));
-    EXPECT_FALSE(std::filesystem::exists(folder + "/gpf/0002.gpf2"));  // offset 0
-    EXPECT_FALSE(std::filesystem::exists(folder + "/gpf/0006.gpf2"));  // does not fit
-    EXPECT_EQ(s.ui.messages.back().text, "Successfully completed");
-    EXPECT_DOUBLE_EQ(s.ws.progress, 100.0);
-    EXPECT_EQ(s.ws.BatchCounter, 1701);
-    EXPECT_FALSE(s.ws.SingleSave);
-
-    s.ui.folders.push_back(folder + "/bmp");
-    std::filesystem::create_directories(folder + "/bmp");
-    s.ui.answers.push_back(true);
-    s.ws.mnuPopup_SaveAllBMP();
-    const Bytes bmp = readAll(folder + "/bmp/0003.bmp");
-    ASSERT_GT(bmp.size(), 28u);
-    EXPECT_EQ(bmp[28], 32);  // OK to the alpha question: every 24-bit picture keeps alpha
-    EXPECT_EQ(readAll(folder + "/bmp/0000.bmp")[28], 24);
-    EXPECT_FALSE(s.ws.BatchKeepAlpha);
-}
-
-TEST(Batches, aCancelledFolderDoesNothing) {
-    Session s(sampleFlash());
-    s.ui.folders.push_back(std::nullopt);
-    s.ws.mnuPopup_SaveAllBMP();
-    EXPECT_TRUE(s.ui.questions.empty());
-    EXPECT_TRUE(s.ui.messages.empty());
-}
-
-TEST(CopyToClipboard, takesTheExactCell) {
-    Session s(sampleFlash());
-    s.ws.selectPicture(0);
-    EXPECT_EQ(s.ws.copyPictureCell(6), "1B01958");
-    EXPECT_EQ(s.ws.copyPictureCell(7), "1B07068");
-}
-
-}  // namespace korvatek::app
+}  // namespace korvatek::testing

@@ -11,12 +11,10 @@ namespace korvatek::testing {
 
 using namespace korvatek::firmware;
 
-FlashBuilder::FlashBuilder(std::size_t size, std::uint8_t fill) : m_image(size, fill) {
-    if (size >= kMinimumFlashSize) {
-        model("E71");
-        pack("42");
-        fontArray(kFontArrayE71v42, 2);
-    }
+FlashBuilder::FlashBuilder() : m_image(0x2000000, 0) {
+    model("E71");
+    pack("42");
+    fontArray(kFontArrayE71v42, 2);
 }
 
 FlashBuilder& FlashBuilder::model(const std::string& text) {
@@ -39,13 +37,9 @@ FlashBuilder& FlashBuilder::picture(int n, int width, int height, std::uint8_t t
                  static_cast<std::uint8_t>(height), static_cast<std::uint8_t>(height >> 8), type, 0, 0, 0};
     const std::uint32_t address = kPhoneAddressBase + dataOffset;
     for (int i = 0; i < 4; ++i) record.push_back(static_cast<std::uint8_t>(address >> (8 * i)));
-    rawRecord(n, record);
+    put(kPictureTableOffset + static_cast<std::uint32_t>(n) * kPictureRecordSize, record);
     if (!data.empty()) put(dataOffset, data);
     return *this;
-}
-
-FlashBuilder& FlashBuilder::rawRecord(int n, const Bytes& twelveBytes) {
-    return put(kPictureTableOffset + static_cast<std::uint32_t>(n) * kPictureRecordSize, twelveBytes);
 }
 
 FlashBuilder& FlashBuilder::put(std::uint32_t offset, const Bytes& bytes) {

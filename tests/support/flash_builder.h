@@ -11,9 +11,9 @@ namespace korvatek::testing {
 
 class FlashBuilder {
 public:
-    // An image of `size` bytes, all `fill`, with model "E71", pack "42" and the font array of
-    // the "lg91_E71_v42" firmware, two fonts.
-    explicit FlashBuilder(std::size_t size = 0x2000000, std::uint8_t fill = 0x00);
+    // A 32 MiB image of zeros with model "E71", pack "42" and the font array of the
+    // "lg91_E71_v42" firmware, two fonts.
+    FlashBuilder();
 
     FlashBuilder& model(const std::string& text);        // 4 bytes at the model offset
     FlashBuilder& pack(const std::string& text);         // 2 bytes at the pack offset
@@ -21,7 +21,6 @@ public:
     // The index record of picture n and, when data is given, the data at dataOffset.
     FlashBuilder& picture(int n, int width, int height, std::uint8_t type, std::uint32_t dataOffset,
                           const Bytes& data = {});
-    FlashBuilder& rawRecord(int n, const Bytes& twelveBytes);
     FlashBuilder& put(std::uint32_t offset, const Bytes& bytes);
     FlashBuilder& putU32(std::uint32_t offset, std::uint32_t value);
 
