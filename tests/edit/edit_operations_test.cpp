@@ -43,9 +43,11 @@ TEST(OpenFlash, refusesAnotherPhoneAShortFileAndAMissingOne) {
     EXPECT_EQ(model.error().code, ErrorCode::ModelNotSupported);
     EXPECT_EQ(model.error().detail, "X99");
 
-    FlashBuilder tooShort(firmware::kMinimumFlashSize - 1);
-    tooShort.model("E71");
-    const auto shortFile = open(tooShort);
+    Bytes cut = FlashBuilder().bytes();
+    cut.resize(firmware::kMinimumFlashSize - 1);
+    const std::string shortPath = testing::testFolder() + "/short.bin";
+    ASSERT_TRUE(app::writeFile(shortPath, cut).ok());
+    const auto shortFile = openFlash(shortPath, firmware::kPictureTableOffset, firmware::kPictureMaxIndex);
     ASSERT_FALSE(shortFile);
     EXPECT_EQ(shortFile.error().code, ErrorCode::FlashTooShort);
 
@@ -139,7 +141,7 @@ TEST(ContainerFiles, versionOneRefusesSizesAboveItsByteAndConversionsKeepTheData
 
 // A replacement no longer than the picture's own data goes in place; a longer one moves to the
 // first free (0xFF) area from the search start; without one it is refused.
-TEST(PicturePatch, inPlaceMovedOrRefused) {
+TEST(PicturePlacement, inPlaceMovedOrRefused) {
     FlashBuilder image;
     image.picture(3, 7, 3, 0x88, 0x1B10000);
     image.put(firmware::kFreeSpaceSearchStart, Bytes(0x4000, 0xFF));
@@ -171,7 +173,7 @@ TEST(PicturePatch, inPlaceMovedOrRefused) {
     // The index record now points there: "A" and the address, low byte first.
     EXPECT_NE(moved.section.find("0F0032A1\r\n"), std::string::npos) << moved.section;
 
-    FlashBuilder full(0x2000000, 0x00);
+    FlashBuilder full;  // zeros: no erased flash anywhere
     full.picture(3, 7, 3, 0x88, 0x1B10000);
     const auto noRoom = open(full, "full.bin");
     PicturePatch refused(*noRoom);
@@ -183,7 +185,7 @@ TEST(PicturePatch, inPlaceMovedOrRefused) {
 }
 
 TEST(PatchCheck, mismatchesConflictsAndNothingToApply) {
-    FlashBuilder image(firmware::kMinimumFlashSize);
+    FlashBuilder image;
     image.put(0x100, {0x11, 0x22});
     const std::string flash = image.writeTo("flash.bin");
     const Bytes bytes = testing::readAll(flash);
