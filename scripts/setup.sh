@@ -7,7 +7,7 @@ set -euo pipefail
 packages=("$@")
 if [ ${#packages[@]} -eq 0 ]; then
   packages=(cmake ninja-build g++ pkg-config libpng-dev libgtest-dev googletest libbenchmark-dev
-            qt6-base-dev libcli11-dev python3 python3-pil help2man strace)
+            qt6-base-dev libcli11-dev nlohmann-json3-dev python3 python3-pil help2man strace)
 fi
 missing=()
 for p in "${packages[@]}"; do

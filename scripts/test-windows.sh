@@ -17,7 +17,7 @@ started=$(date +%s)
 mkdir -p "$out"
 
 # ---------------------------------------------------------------- tools from Debian
-bash "$root/scripts/setup.sh" libcli11-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev mingw-w64-tools wine64 nsis \
+bash "$root/scripts/setup.sh" libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev mingw-w64-tools wine64 nsis \
   qt6-base-dev-tools cmake ninja-build python3 xvfb x11-apps netpbm xz-utils
 
 # ---------------------------------------------------------------- the Windows libraries
