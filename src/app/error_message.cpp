@@ -33,12 +33,22 @@ MessageKey messageFor(ErrorCode code) {
     return MessageKey::MsgUnknownFile;
 }
 
+std::string lineFaultText(const settings::MessageTable& messages, patch::LineFault fault) {
+    if (fault == patch::LineFault::None) return {};
+    const int first = static_cast<int>(MessageKey::MsgLineFaultBase);
+    return messages.text(static_cast<MessageKey>(first + static_cast<int>(fault) - static_cast<int>(patch::LineFault::BaseNotHex)));
+}
+
+std::string atLineText(const settings::MessageTable& messages, int line) {
+    return settings::fillIn(messages.text(MessageKey::MsgAtLine), "%1", std::to_string(line));
+}
+
 std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check) {
     std::string problems;
     const auto add = [&](const std::string& line) { problems += (problems.empty() ? "" : "\r") + line; };
     const auto& parsed = check.parsed;
     for (const auto& p : parsed.malformed)
-        add(messages.text(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + p.what + ")");
+        add(messages.text(MessageKey::MsgPatchMalformed) + std::to_string(p.line) + " (" + lineFaultText(messages, p.fault) + ")");
     if (parsed.malformedCount > parsed.malformed.size())
         add(settings::fillIn(messages.text(MessageKey::MsgPatchMoreLines), "%1",
                              std::to_string(parsed.malformedCount - parsed.malformed.size())));
@@ -51,7 +61,7 @@ std::string patchProblemsText(const settings::MessageTable& messages, const edit
     for (const auto& p : check.mismatches)
         add(messages.text(p.kind == patch::PatchProblem::Kind::Mismatch ? MessageKey::MsgPatchMismatch
                                                                         : MessageKey::MsgPatchBeyond) +
-            hexText(p.offset));
+            hexText(p.offset) + atLineText(messages, p.line));
     return problems;
 }
 

@@ -12,6 +12,11 @@ namespace korvatek::app {
 
 settings::MessageKey messageFor(ErrorCode code);
 
+// Why a patch line could not be read, in the table's language.
+std::string lineFaultText(const settings::MessageTable& messages, patch::LineFault fault);
+// " (line 5)": the patch line a message is about.
+std::string atLineText(const settings::MessageTable& messages, int line);
+
 // What is wrong with a patch, one line per problem (joined by carriage returns); empty when it
 // can be applied.
 std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check);

@@ -63,6 +63,33 @@ enum class MessageKey : int {
     MsgPatchNothing,      // a patch without data lines: "nothing to apply"
     MsgPatchConflict,     // two lines, %1 and %2, write different bytes at 0x + address
     MsgPatchMoreLines,    // "... and %1 more lines that are not patch text"
+    MsgLineFaultBase,     // a malformed line's reasons, after its line number
+    MsgLineFaultNoColon,
+    MsgLineFaultLayout,
+    MsgLineFaultNotHex,
+    MsgLineFaultOddDigits,
+    MsgLineFaultLengths,
+    MsgLineFaultBeforeStart,
+    MsgLineFaultNul,      // a NUL byte: UTF-16 text
+    MsgAtLine,            // " (line %1)" after an address that a patch line names
+    MsgStateApplied,      // the fullflash holds a line's new bytes
+    MsgStateNotApplied,   // it holds the old bytes
+    MsgStateConflicting,  // it holds neither
+    MsgStateOutside,      // the line lies beyond the fullflash
+    MsgStatePartly,       // a patch some of whose lines are applied and some not
+    MsgStatusCounts,      // "%1 applied, %2 not applied, %3 conflicting, %4 outside the fullflash"
+    MsgPatchClash,        // "%1 line %2 and %3 line %4 write different bytes at 0x" + address
+    MsgPatchReverts,      // the first comment of a reverting patch: "... takes off %1"
+    MsgPatchMerged,       // the first comment of a merged patch: "... made of %1"
+    MsgStatusTitle,       // the patch status dialog
+    MsgColumnPatch,
+    MsgColumnLine,
+    MsgColumnAddress,
+    MsgColumnBytes,
+    MsgColumnState,
+    MsgWritePatchedCopy,
+    MsgClose,
+    MsgStatusTableDescription,
     Count
 };
 

@@ -34,6 +34,41 @@ Result<PatchCheck> checkPatchFile(ByteView image, const std::string& path) {
     return check;
 }
 
+Result<StatusReport> patchStatus(ByteView image, const std::vector<std::string>& paths) {
+    StatusReport report;
+    for (const std::string& path : paths) {
+        auto check = checkPatchFile(image, path);
+        if (!check) return check.error();
+        patch::PatchStatus status = patch::statusOf(check->parsed.edits, image);
+        report.patches.push_back({path, std::move(*check), std::move(status)});
+    }
+    std::vector<const std::vector<patch::PatchEdit>*> edits;
+    for (const PatchReport& p : report.patches) edits.push_back(&p.check.parsed.edits);
+    report.clashes = patch::clashesBetween(edits);
+    return report;
+}
+
+bool StatusReport::consistent() const {
+    for (const PatchReport& p : patches) {
+        if (!p.readable() || !p.check.parsed.conflicts.empty()) return false;
+        if (p.status.state != patch::PatchState::Applied && p.status.state != patch::PatchState::NotApplied) return false;
+    }
+    return clashes.empty();
+}
+
+Result<PatchText> readPatchText(const std::string& path) {
+    PatchText read;
+    patch::VkpReader reader;
+    const Status status = app::readFileChunks(path, app::kMaxPatchFileSize, 1 << 16, [&](ByteView piece) {
+        const std::string_view text(reinterpret_cast<const char*>(piece.data()), piece.size());
+        read.text.append(text);
+        reader.feed(text);
+    });
+    if (!status) return status.error();
+    read.parsed = reader.finish();
+    return read;
+}
+
 Result<std::vector<NamedContainer>> containersOfOtherPatch(const std::string& path) {
     patch::LumbraReader reader;
     if (const Status read = feedFile(path, reader); !read) return read.error();

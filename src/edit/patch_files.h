@@ -8,6 +8,7 @@
 
 #include "base/result.h"
 #include "patch/vkp_apply.h"
+#include "patch/vkp_status.h"
 
 namespace korvatek::edit {
 
@@ -21,6 +22,31 @@ struct PatchCheck {
     }
 };
 Result<PatchCheck> checkPatchFile(ByteView image, const std::string& path);
+
+// Where one or more patches stand on the image, line by line, and where they clash with each
+// other. A file that cannot be read stops it; lines that cannot be read are in each check.
+struct PatchReport {
+    std::string path;
+    PatchCheck check;
+    patch::PatchStatus status;
+    bool readable() const { return check.parsed.malformed.empty() && !check.parsed.edits.empty(); }
+};
+struct StatusReport {
+    std::vector<PatchReport> patches;
+    std::vector<patch::PatchClash> clashes;   // between the patches, by index into `patches`
+    // Every patch read whole, nothing outside the image, no clash, and no line conflicting: the
+    // patches can go on in order, each one's lines all applied or all not.
+    bool consistent() const;
+};
+Result<StatusReport> patchStatus(ByteView image, const std::vector<std::string>& paths);
+
+// A whole patch file's text (within the size limit for patches) and what it reads as: for the
+// patches made from other patches, which keep their text.
+struct PatchText {
+    std::string text;
+    patch::ParsedPatch parsed;
+};
+Result<PatchText> readPatchText(const std::string& path);
 
 // The other tool's picture patch: one GPF2 container per picture section, named "0005.gpf2".
 struct NamedContainer {

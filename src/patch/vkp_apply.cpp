@@ -64,38 +64,66 @@ ParsedPatch VkpReader::finish() {
     return std::move(m_parsed);
 }
 
-void VkpReader::takeLine(std::string_view line) {
-    const int number = ++m_lineNumber;
-    const auto refuse = [&](const char* what) {
-        if (m_parsed.malformed.size() < kMaxKeptMalformedLines)
-            m_parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, what});
-        ++m_parsed.malformedCount;
+VkpLine readVkpLine(std::string_view whole) {
+    using Kind = VkpLine::Kind;
+    VkpLine read;
+    const auto refuse = [&](LineFault fault) {
+        read.kind = Kind::Malformed;
+        read.fault = fault;
+        return read;
     };
+    // UTF-16 text has a NUL byte in every ASCII character: say so rather than "not hex".
+    if (whole.find('\0') != std::string_view::npos) return refuse(LineFault::NulByte);
+    std::string_view line = whole;
     if (const auto comment = line.find(';'); comment != std::string_view::npos) line = line.substr(0, comment);
     line = trim(line);
-    if (line.empty()) return;
+    if (line.empty()) return read;
     if (line[0] == '+' || line[0] == '-') {
         const auto value = hexNumber(trim(line.substr(1)));
-        if (!value) return refuse("base offset is not a hex number");
-        m_base = line[0] == '+' ? static_cast<std::int64_t>(*value) : -static_cast<std::int64_t>(*value);
-        return;
+        if (!value) return refuse(LineFault::BaseNotHex);
+        read.kind = Kind::Base;
+        read.base = line[0] == '+' ? static_cast<std::int64_t>(*value) : -static_cast<std::int64_t>(*value);
+        return read;
     }
     const auto colon = line.find(':');
-    if (colon == std::string_view::npos) return refuse("no colon after the address");
+    if (colon == std::string_view::npos) return refuse(LineFault::NoColon);
     const auto address = hexNumber(trim(line.substr(0, colon)));
     std::string_view rest = trim(line.substr(colon + 1));
     const auto blank = rest.find_first_of(" \t");
-    if (!address || blank == std::string_view::npos) return refuse("expected address: old new");
+    if (!address || blank == std::string_view::npos) return refuse(LineFault::NotAddressOldNew);
     const std::string_view oldHex = trim(rest.substr(0, blank));
     const std::string_view newHex = trim(rest.substr(blank));
     if (!allHex(oldHex) || !allHex(newHex) || newHex.find_first_of(" \t") != std::string_view::npos)
-        return refuse("bytes are not hex digits");
-    if (oldHex.size() % 2 != 0 || newHex.size() % 2 != 0) return refuse("an odd number of hex digits");
-    if (oldHex.size() != newHex.size()) return refuse("old and new bytes differ in length");
-    const std::int64_t offset = static_cast<std::int64_t>(*address) + m_base;
-    if (offset < 0) return refuse("address before the start of the fullflash");
-    m_parsed.edits.push_back({number, static_cast<std::uint64_t>(offset), app::HEXtext2ASCtext(oldHex, false),
-                              app::HEXtext2ASCtext(newHex, false)});
+        return refuse(LineFault::NotHex);
+    if (oldHex.size() % 2 != 0 || newHex.size() % 2 != 0) return refuse(LineFault::OddDigits);
+    if (oldHex.size() != newHex.size()) return refuse(LineFault::LengthsDiffer);
+    read.kind = Kind::Data;
+    read.address = *address;
+    read.oldAt = static_cast<std::size_t>(oldHex.data() - whole.data());
+    read.newAt = static_cast<std::size_t>(newHex.data() - whole.data());
+    read.hexLength = oldHex.size();
+    return read;
+}
+
+void VkpReader::takeLine(std::string_view line) {
+    const int number = ++m_lineNumber;
+    const auto refuse = [&](LineFault fault) {
+        if (m_parsed.malformed.size() < kMaxKeptMalformedLines)
+            m_parsed.malformed.push_back({PatchProblem::Kind::Malformed, number, 0, fault});
+        ++m_parsed.malformedCount;
+    };
+    const VkpLine read = readVkpLine(line);
+    switch (read.kind) {
+        case VkpLine::Kind::Empty: return;
+        case VkpLine::Kind::Malformed: return refuse(read.fault);
+        case VkpLine::Kind::Base: m_base = read.base; return;
+        case VkpLine::Kind::Data: break;
+    }
+    const std::int64_t offset = static_cast<std::int64_t>(read.address) + m_base;
+    if (offset < 0) return refuse(LineFault::BeforeStart);
+    m_parsed.edits.push_back({number, static_cast<std::uint64_t>(offset),
+                              app::HEXtext2ASCtext(line.substr(read.oldAt, read.hexLength), false),
+                              app::HEXtext2ASCtext(line.substr(read.newAt, read.hexLength), false)});
 }
 
 ParsedPatch parseVkp(std::string_view text) {

@@ -21,12 +21,15 @@ struct PatchEdit {
     Bytes newBytes;
 };
 
+// What is wrong with a line that is not patch text, in the order of the checks.
+enum class LineFault { None, BaseNotHex, NoColon, NotAddressOldNew, NotHex, OddDigits, LengthsDiffer, BeforeStart, NulByte };
+
 struct PatchProblem {
     enum class Kind { Malformed, Mismatch, Beyond };
     Kind kind = Kind::Malformed;
     int line = 0;
     std::uint64_t offset = 0;
-    std::string what;           // for a malformed line: what is wrong with it
+    LineFault fault = LineFault::None;  // for a malformed line
 };
 
 // Two lines that write different bytes to one address: which wins would be an accident of order.
@@ -45,6 +48,32 @@ struct ParsedPatch {
     std::size_t malformedCount = 0;       // all of them
     std::vector<PatchConflict> conflicts;
 };
+
+// One line of patch text as read: where its parts stand, so that a line can be rewritten (its
+// old and new bytes swapped) with everything else, comments and spacing, kept as written.
+struct VkpLine {
+    enum class Kind { Empty, Base, Data, Malformed };
+    Kind kind = Kind::Empty;
+    std::int64_t base = 0;       // Base: the offset added to later addresses from here on
+    std::uint64_t address = 0;   // Data: the address as written
+    std::size_t oldAt = 0;       // Data: where the old bytes' hex digits start in the line
+    std::size_t newAt = 0;       // Data: where the new bytes' hex digits start
+    std::size_t hexLength = 0;   // Data: digits of each (old and new have the same length)
+    LineFault fault = LineFault::None;  // Malformed: what is wrong with it
+};
+VkpLine readVkpLine(std::string_view line);
+
+// Calls onLine(number, line) for each line of a whole patch text, a byte-order mark skipped.
+template <class OnLine>
+void forEachVkpLine(std::string_view text, OnLine&& onLine) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (text.substr(0, mark.size()) == mark) text.remove_prefix(mark.size());
+    int number = 0;
+    LineSplitter lines;
+    const auto take = [&](std::string_view line) { onLine(++number, line); };
+    lines.feed(text, take);
+    lines.finish(take);
+}
 
 // Reads patch text piece by piece, so that a large file need not be held whole.
 class VkpReader {

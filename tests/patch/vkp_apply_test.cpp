@@ -33,9 +33,15 @@ TEST(VkpApply, readsAddressesBaseOffsetsAndComments) {
 }
 
 TEST(VkpApply, malformedLinesAreNumberedAndOnlyTheFirstKept) {
-    const auto parsed = parseVkp("100 01 02\n100: 012 034\n100: 01\n100: 0102 03\n100: XY 00\n+ZZ\n-200: 00 00\n");
-    ASSERT_EQ(parsed.malformed.size(), 7u);
-    for (int i = 0; i < 7; ++i) EXPECT_EQ(parsed.malformed[static_cast<std::size_t>(i)].line, i + 1);
+    using enum LineFault;
+    const auto parsed = parseVkp(std::string("100 01 02\n100: 012 034\n100: 01\n100: 0102 03\n100: XY 00\n+ZZ\n-200: 00 00\n"
+                                             "1\0\x30\0:\0 \0\n", 80));
+    const LineFault faults[] = {NoColon, OddDigits, NotAddressOldNew, LengthsDiffer, NotHex, BaseNotHex, BaseNotHex, NulByte};
+    ASSERT_EQ(parsed.malformed.size(), std::size(faults));
+    for (std::size_t i = 0; i < std::size(faults); ++i) {
+        EXPECT_EQ(parsed.malformed[i].line, static_cast<int>(i) + 1);
+        EXPECT_EQ(parsed.malformed[i].fault, faults[i]) << i;
+    }
     EXPECT_TRUE(parsed.edits.empty());
 
     std::string junk;
