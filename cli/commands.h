@@ -1,6 +1,6 @@
 #pragma once
 // The subcommands of korvatek-cli. Each returns the exit status: 0 done, 1 failed or refused,
-// 2 bad usage.
+// 2 bad usage; `status` also 3 and 4 (below).
 
 #include <string>
 #include <vector>
@@ -11,6 +11,11 @@ namespace korvatek::cli {
 
 // "-o -" writes to standard output only where the output is one stream a pipe can take.
 inline constexpr const char* kNotToStandardOutput = "-o - (standard output) is for a patch or one BMP only";
+
+// `status`: no patch applied at all; some applied and some not, or lines holding neither their
+// old nor their new bytes, or patches that clash.
+inline constexpr int kStatusNotApplied = 3;
+inline constexpr int kStatusPartly = 4;
 
 struct Command {
     const char* name;
@@ -39,6 +44,9 @@ int runEncode(const Arguments& args);
 int runConvert(const Arguments& args);
 int runPatch(const Arguments& args);
 int runApply(const Arguments& args);
+int runStatus(const Arguments& args);
+int runRevert(const Arguments& args);
+int runMerge(const Arguments& args);
 int runMake(const Arguments& args);
 int runLumbra(const Arguments& args);
 int runFonts(const Arguments& args);

@@ -43,6 +43,14 @@ const std::vector<Command>& commands() {
          {output, {"--gpf-folder", Kind::Repeated, "replace every picture with a NNNN.gpf2 in DIR", "DIR"},
           {"--bmp-folder", Kind::Repeated, "replace every picture with a NNNN.bmp in DIR, as TYPE", "DIR:TYPE"}}},
         {"apply", "apply FLASH PATCH.vkp -o OUT.bin", "check a V_Klay patch and write a patched copy", runApply, {output}},
+        {"status", "status FLASH PATCH.vkp... [--json]\n"
+                   "       exit status: 0 every patch applied, 3 none applied, 4 partly applied, conflicting or\n"
+                   "       clashing, 1 a patch that cannot be read whole or reaches past the fullflash",
+         "tell line by line whether patches are already on a fullflash", runStatus,
+         {{"--json", Kind::Flag, "print the status as one JSON document"}}},
+        {"revert", "revert PATCH.vkp -o UNDO.vkp", "write the patch that takes a patch off again", runRevert, {output}},
+        {"merge", "merge A.vkp B.vkp... -o MERGED.vkp", "join patches into one, refusing lines that clash", runMerge,
+         {output}},
         {"decode", "decode IN.gpf|IN.gpf2|IN.dat -o OUT.bmp [--alpha]", "decode a container to BMP", runDecode,
          {output, alpha}},
         {"encode", "encode IN.bmp|IN.png -o OUT.gpf2|OUT.gpf --type 1|8|16|24",

@@ -76,8 +76,9 @@ enum class MessageKey : int {
     MsgStateNotApplied,   // it holds the old bytes
     MsgStateConflicting,  // it holds neither
     MsgStateOutside,      // the line lies beyond the fullflash
+    MsgStateNoChange,     // its old and new bytes are the same
     MsgStatePartly,       // a patch some of whose lines are applied and some not
-    MsgStatusCounts,      // "%1 applied, %2 not applied, %3 conflicting, %4 outside the fullflash"
+    MsgStatusCounts,      // "%1 applied, %2 not applied, %3 conflicting, %4 outside the fullflash, %5 changing nothing"
     MsgPatchClash,        // "%1 line %2 and %3 line %4 write different bytes at 0x" + address
     MsgPatchReverts,      // the first comment of a reverting patch: "... takes off %1"
     MsgPatchMerged,       // the first comment of a merged patch: "... made of %1"

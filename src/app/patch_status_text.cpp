@@ -11,7 +11,7 @@ using settings::MessageKey;
 
 namespace {
 
-// "%1" … "%4" filled in one pass, so that a file name holding "%2" is taken as it is.
+// "%1" … "%5" filled in one pass, so that a file name holding "%2" is taken as it is.
 std::string fillInAll(const std::string& text, const std::vector<std::string>& values) {
     std::string out;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -34,6 +34,7 @@ std::string lineStateText(const settings::MessageTable& messages, patch::LineSta
         case patch::LineState::NotApplied: return messages.text(MessageKey::MsgStateNotApplied);
         case patch::LineState::Conflicting: return messages.text(MessageKey::MsgStateConflicting);
         case patch::LineState::Outside: return messages.text(MessageKey::MsgStateOutside);
+        case patch::LineState::ChangesNothing: return messages.text(MessageKey::MsgStateNoChange);
     }
     return {};
 }
@@ -53,7 +54,8 @@ std::string statusCountsText(const settings::MessageTable& messages, const patch
     using enum patch::LineState;
     return fillInAll(messages.text(MessageKey::MsgStatusCounts),
                      {std::to_string(status.count(Applied)), std::to_string(status.count(NotApplied)),
-                      std::to_string(status.count(Conflicting)), std::to_string(status.count(Outside))});
+                      std::to_string(status.count(Conflicting)), std::to_string(status.count(Outside)),
+                      std::to_string(status.count(ChangesNothing))});
 }
 
 std::string patchSummaryText(const settings::MessageTable& messages, const std::string& name,

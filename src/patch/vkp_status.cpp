@@ -15,30 +15,26 @@ bool holds(ByteView image, std::uint64_t offset, const Bytes& bytes) {
 
 PatchStatus statusOf(const std::vector<PatchEdit>& edits, ByteView image) {
     PatchStatus status;
-    bool anyChange = false, changeApplied = false, changeNotApplied = false;
     for (const PatchEdit& e : edits) {
-        LineStatus line{e.line, e.offset, e.newBytes.size(), LineState::Conflicting, e.oldBytes == e.newBytes};
+        LineStatus line{e.line, e.offset, e.newBytes.size(), LineState::Conflicting};
         if (e.offset > image.size() || e.newBytes.size() > image.size() - e.offset)
             line.state = LineState::Outside;
         else if (holds(image, e.offset, e.newBytes))
-            line.state = LineState::Applied;
+            line.state = e.oldBytes == e.newBytes ? LineState::ChangesNothing : LineState::Applied;
         else if (holds(image, e.offset, e.oldBytes))
             line.state = LineState::NotApplied;
-        if (!line.changesNothing && line.state != LineState::Outside && line.state != LineState::Conflicting) {
-            anyChange = true;
-            (line.state == LineState::Applied ? changeApplied : changeNotApplied) = true;
-        }
         ++status.counts[static_cast<std::size_t>(line.state)];
         status.lines.push_back(line);
     }
-    if (status.count(LineState::Outside) > 0)
+    using enum LineState;
+    if (status.count(Outside) > 0)
         status.state = PatchState::Outside;
-    else if (status.count(LineState::Conflicting) > 0)
+    else if (status.count(Conflicting) > 0)
         status.state = PatchState::Conflicting;
-    else if (changeApplied && changeNotApplied)
+    else if (status.count(Applied) > 0 && status.count(NotApplied) > 0)
         status.state = PatchState::PartlyApplied;
     else
-        status.state = anyChange && changeNotApplied ? PatchState::NotApplied : PatchState::Applied;
+        status.state = status.count(NotApplied) > 0 ? PatchState::NotApplied : PatchState::Applied;
     return status;
 }
 

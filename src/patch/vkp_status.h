@@ -12,15 +12,16 @@
 
 namespace korvatek::patch {
 
-enum class LineState { Applied, NotApplied, Conflicting, Outside };
-inline constexpr std::size_t kLineStateCount = 4;
+// A line whose old and new bytes are the same (a picture record left as it was, say) is
+// neither applied nor not: it changes nothing, whenever the image holds those bytes.
+enum class LineState { Applied, NotApplied, Conflicting, Outside, ChangesNothing };
+inline constexpr std::size_t kLineStateCount = 5;
 
 struct LineStatus {
     int line = 0;
     std::uint64_t offset = 0;
     std::size_t length = 0;      // bytes the line writes
     LineState state = LineState::Conflicting;
-    bool changesNothing = false;  // old and new bytes are the same: applied and not applied at once
 };
 
 enum class PatchState { Applied, NotApplied, PartlyApplied, Conflicting, Outside };
@@ -33,8 +34,8 @@ struct PatchStatus {
 };
 
 // The whole patch is outside when any line is, else conflicting when any line is; applied or
-// not applied when every line that changes a byte is so; partly applied otherwise. Lines that
-// change nothing count as applied but do not make a patch partly applied.
+// not applied when every line that changes a byte is so; partly applied otherwise. A patch
+// whose lines all change nothing is applied.
 PatchStatus statusOf(const std::vector<PatchEdit>& edits, ByteView image);
 
 // Two patches writing to one address where their lines do not agree byte for byte (old and

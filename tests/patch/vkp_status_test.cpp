@@ -34,9 +34,10 @@ TEST(PatchStatus, eachLineAndTheWholePatch) {
         {"0: 0000 0099\n", {Conflicting}, PatchState::Conflicting},
         {"5: 5566 AABB\n0: 0011 AABB\n", {Outside, NotApplied}, PatchState::Outside},
         {"6: 00 01\n", {Outside}, PatchState::Outside},
-        // a line that changes nothing is applied, and does not make the rest partly applied
-        {"2: 22 22\n4: 44 99\n", {Applied, NotApplied}, PatchState::NotApplied},
-        {"2: 22 22\n", {Applied}, PatchState::Applied},
+        // a line that changes nothing does not make the rest partly applied
+        {"2: 22 22\n4: 44 99\n", {ChangesNothing, NotApplied}, PatchState::NotApplied},
+        {"2: 22 22\n", {ChangesNothing}, PatchState::Applied},
+        {"2: 23 23\n", {Conflicting}, PatchState::Conflicting},
     };
     for (const Case& c : cases) {
         const PatchStatus status = statusOf(parseVkp(c.text).edits, image);
