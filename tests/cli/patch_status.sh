@@ -12,7 +12,7 @@ quiet export "$FLASH" 1 -o p1.gpf2
 quiet export "$FLASH" 2 -o p2.bmp
 quiet patch "$FLASH" -o a.vkp 1=p2.bmp:16
 quiet patch "$FLASH" -o b.vkp 9=p1.gpf2
-quiet patch "$FLASH" -o c.vkp 1=p1.gpf2      # picture 1 again, with other bytes than a.vkp
+quiet patch "$FLASH" -o c.vkp 1=p2.bmp:8    # picture 1 again, with other bytes than a.vkp
 quiet apply "$FLASH" a.vkp -o a.bin
 stdout_line() { grep -Fqx -- "$1" cmd.out && pass || fail "$2: no line '$1' on stdout: $(head -n 3 cmd.out | tr '\n' '|')"; }
 states() { cut -f4 cmd.out | grep -v ': ' | sort | uniq -c | tr -s ' ' | tr '\n' '|'; }
@@ -69,7 +69,7 @@ run status a.bin a.vkp b.vkp; expect_rc 4 "one patch applied, one not"
 run merge a.vkp a.vkp -o twice.vkp; expect_rc 0 "lines that agree byte for byte merge"
 refused 1 "" clash.vkp merge a.vkp c.vkp -o clash.vkp
 grep -Eq "^a\.vkp line [0-9]+ and c\.vkp line [0-9]+ write different bytes at 0x1B0" cmd.err && pass || fail "clash named: $(stderr)"
-run status "$FLASH" a.vkp c.vkp; expect_rc 4 "clashing patches"
+run status "$FLASH" a.vkp c.vkp; expect_rc 4 "clashing patches, neither applied"
 grep -q "^a.vkp line .* and c.vkp line .* write different bytes at 0x" cmd.out && pass || fail "status names the clash"
 
 # ---- the JSON status says what the text says
