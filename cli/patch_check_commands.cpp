@@ -45,15 +45,8 @@ const char* stateName(patch::PatchState state) {
 // What cannot be read in a patch, or what makes it one that could never be applied whole: its
 // unreadable lines, lines clashing within it, no data lines at all, lines beyond the image.
 std::vector<std::string> patchErrors(const settings::MessageTable& messages, const edit::PatchReport& report) {
-    edit::PatchCheck unreadable;
-    unreadable.parsed.malformed = report.check.parsed.malformed;
-    unreadable.parsed.malformedCount = report.check.parsed.malformedCount;
-    unreadable.parsed.conflicts = report.check.parsed.conflicts;
-    unreadable.parsed.edits = report.check.parsed.edits;
-    for (const auto& m : report.check.mismatches)
-        if (m.kind == patch::PatchProblem::Kind::Beyond) unreadable.mismatches.push_back(m);
+    const std::string text = app::patchProblemsText(messages, report.check, app::OldBytes::NotTold);
     std::vector<std::string> lines;
-    std::string text = app::patchProblemsText(messages, unreadable);
     for (std::size_t start = 0; !text.empty() && start <= text.size();) {
         const std::size_t end = std::min(text.find('\r', start), text.size());
         lines.push_back(text.substr(start, end - start));

@@ -43,7 +43,8 @@ std::string atLineText(const settings::MessageTable& messages, int line) {
     return settings::fillIn(messages.text(MessageKey::MsgAtLine), "%1", std::to_string(line));
 }
 
-std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check) {
+std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check,
+                              OldBytes oldBytes) {
     std::string problems;
     const auto add = [&](const std::string& line) { problems += (problems.empty() ? "" : "\r") + line; };
     const auto& parsed = check.parsed;
@@ -58,10 +59,12 @@ std::string patchProblemsText(const settings::MessageTable& messages, const edit
         add(settings::fillIn(text, "%2", std::to_string(c.secondLine)) + hexText(c.offset));
     }
     if (problems.empty() && parsed.edits.empty()) add(messages.text(MessageKey::MsgPatchNothing));
-    for (const auto& p : check.mismatches)
-        add(messages.text(p.kind == patch::PatchProblem::Kind::Mismatch ? MessageKey::MsgPatchMismatch
-                                                                        : MessageKey::MsgPatchBeyond) +
-            hexText(p.offset) + atLineText(messages, p.line));
+    for (const auto& p : check.mismatches) {
+        const bool beyond = p.kind == patch::PatchProblem::Kind::Beyond;
+        if (beyond || oldBytes == OldBytes::Told)
+            add(messages.text(beyond ? MessageKey::MsgPatchBeyond : MessageKey::MsgPatchMismatch) + hexText(p.offset) +
+                atLineText(messages, p.line));
+    }
     return problems;
 }
 

@@ -18,8 +18,11 @@ std::string lineFaultText(const settings::MessageTable& messages, patch::LineFau
 std::string atLineText(const settings::MessageTable& messages, int line);
 
 // What is wrong with a patch, one line per problem (joined by carriage returns); empty when it
-// can be applied.
-std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check);
+// can be applied. Old bytes that differ are left out when only the patch itself is in question
+// (a status tells them line by line); addresses past the end are always in.
+enum class OldBytes { Told, NotTold };
+std::string patchProblemsText(const settings::MessageTable& messages, const edit::PatchCheck& check,
+                              OldBytes oldBytes = OldBytes::Told);
 
 // The error's message in the table's language, its limit filled in and its detail appended.
 std::string errorText(const settings::MessageTable& messages, const Error& error);
