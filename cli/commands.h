@@ -55,5 +55,6 @@ int runGlyph(const Arguments& args);
 int runFontSize(const Arguments& args);
 int runFontPatch(const Arguments& args);
 int runMakeFont(const Arguments& args);
+int runRender(const Arguments& args);
 
 }  // namespace korvatek::cli

@@ -9,9 +9,11 @@
 #include "base/file_io.h"
 #include "base/hex_text.h"
 #include "codec/bmp_file.h"
+#include "codec/png_file.h"
 #include "commands.h"
 #include "console.h"
 #include "edit/font_edits.h"
+#include "edit/text_render.h"
 #include "opening.h"
 
 namespace korvatek::cli {
@@ -311,6 +313,42 @@ int runMakeFont(const Arguments& args) {
     if (!console.prepare(*out, {flash->path})) return 1;
     const std::string text = edit::rebuiltFontPatch(*fontNumber, flash->firmwareId, *rebuilt);
     return console.write(*out, bytesOf(text), {flash->path}) ? 0 : 1;
+}
+
+int runRender(const Arguments& args) {
+    const Command& command = commandNamed("render");
+    const auto out = args.value("-o");
+    if (!args.error.empty() || args.positional.size() != 3 || !out) return usageError(command, args.error);
+    const auto fontNumber = parseNumber(args.positional[1]);
+    if (!fontNumber) return usageError(command, "FONT must be a font number");
+    int zoom = 1;
+    if (const auto z = args.value("--zoom")) {
+        const auto value = parseNumber(*z);
+        if (!value || *value < 1 || *value > 16) return usageError(command, "--zoom must be 1 to 16");
+        zoom = *value;
+    }
+    Console console;
+    if (!console.outputAllowed(*out, {args.positional[0]})) return 1;
+    const auto flash = openFlashFile(console, args.positional[0]);
+    if (!flash) return 1;
+    const auto font = openFont(console, *flash, *fontNumber);
+    if (!font) return 1;
+    const edit::RenderedText text = edit::renderText(flash->bytes(), font->rows, edit::codePoints(args.positional[2]));
+    // Each pixel becomes a zoom x zoom square: the phone's pixels stay sharp.
+    const edit::PixelGrid& line = text.pixels;
+    std::vector<std::uint32_t> pixels;
+    pixels.reserve(static_cast<std::size_t>(line.width * zoom * line.height * zoom));
+    for (int y = 0; y < line.height * zoom; ++y)
+        for (int x = 0; x < line.width * zoom; ++x) pixels.push_back(line.at(x / zoom, y / zoom));
+    const auto png = codec::encodePng(line.width * zoom, line.height * zoom, pixels);
+    if (!png) {
+        console.fail(png.error());
+        return 1;
+    }
+    // The characters the font lacks, by position (1-based), so that a script can tell.
+    for (const std::size_t at : text.missing) std::printf("missing\t%zu\n", at + 1);
+    if (!console.prepare(*out, {flash->path})) return 1;
+    return console.write(*out, *png, {flash->path}) ? 0 : 1;
 }
 
 }  // namespace korvatek::cli

@@ -70,6 +70,9 @@ const std::vector<Command>& commands() {
          {output, {"--bmp-folder", Kind::Repeated, "replace every glyph with a NNNN.bmp in DIR", "DIR"}}},
         {"make-font", "make-font FLASH FONT SRC_DIR -o OUT.vkp", "rebuild a font from a folder of BMPs", runMakeFont,
          {output}},
+        {"render", "render FLASH FONT TEXT -o OUT.png [--zoom N]",
+         "draw a line of text in a phone font; prints 'missing<TAB>N' for each character the font lacks", runRender,
+         {output, {"--zoom", Kind::Value, "each phone pixel as N x N pixels (1 to 16)", "N"}}},
         {"demo-flash", "demo-flash OUT.bin", "write the synthetic demonstration fullflash", runDemoFlash, {}},
     };
     return list;

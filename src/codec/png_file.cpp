@@ -176,4 +176,24 @@ Status decodePng(ByteView file, PixelCanvas& canvas) {
     return success();
 }
 
+Result<Bytes> encodePng(int width, int height, const std::vector<std::uint32_t>& argb) {
+    if (width <= 0 || height <= 0 || argb.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
+        return Error{ErrorCode::FileUnwritable, {}, {}, {}};
+    std::vector<std::uint8_t> rgba;
+    rgba.reserve(argb.size() * 4);
+    for (const std::uint32_t p : argb)
+        for (const int shift : {16, 8, 0, 24}) rgba.push_back(static_cast<std::uint8_t>(p >> shift));
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(width);
+    image.height = static_cast<png_uint_32>(height);
+    image.format = PNG_FORMAT_RGBA;
+    png_alloc_size_t size = 0;
+    if (!png_image_write_to_memory(&image, nullptr, &size, 0, rgba.data(), 0, nullptr)) return Error{ErrorCode::FileUnwritable, {}, {}, {}};
+    Bytes out(size);
+    if (!png_image_write_to_memory(&image, out.data(), &size, 0, rgba.data(), 0, nullptr)) return Error{ErrorCode::FileUnwritable, {}, {}, {}};
+    out.resize(size);
+    return out;
+}
+
 }  // namespace korvatek::codec

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/byte_reader.h"
 #include "base/result.h"
@@ -38,5 +39,9 @@ std::string colourTypeName(int colourType);
 // Decodes the whole file onto the canvas and sets its width and height. A file libpng
 // refuses (bad CRC, truncated, a size other than LoadPNGhead's check allows) is MsgUnknownFile.
 Status decodePng(ByteView file, PixelCanvas& canvas);
+
+// PNG output of a picture made here (a rendered line of text): pixels as 0xAARRGGBB, row by
+// row from the top; written as 8-bit RGBA.
+Result<Bytes> encodePng(int width, int height, const std::vector<std::uint32_t>& argb);
 
 }  // namespace korvatek::codec

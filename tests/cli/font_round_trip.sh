@@ -278,5 +278,20 @@ expect_rc 0 "apply size.vkp"
 run fonts sized.bin
 [ "$(head -n 1 cmd.out)" = "$(printf 'Font 0\t18B5A64\t12')" ] && pass || fail "fonts after the size patch: $(head -n 1 cmd.out)"
 
+# A line of text: a zoomed PNG whose ink is each glyph's, characters the font lacks named.
+run render "$FLASH" 1 "Hi Ё" -o line.png --zoom 2
+expect_rc 0 "render"
+[ "$(cat cmd.out)" = "$(printf 'missing\t4')" ] && pass || fail "render names the missing character: $(cat cmd.out)"
+run render "$FLASH" 1 "Hi" -o hi.png
+"$PY" - <<'PY' && pass || fail "the rendered line is not the glyphs side by side"
+from PIL import Image
+one, two = Image.open("hi.png").convert("RGB"), Image.open("line.png").convert("RGB")
+assert two.size[1] == 2 * one.size[1] and two.size[0] > 2 * one.size[0]
+ink = lambda im, x, y: im.getpixel((x, y)) == (0, 0, 0)
+assert all(ink(one, x, y) == ink(two, 2 * x + 1, 2 * y + 1) for x in range(one.size[0]) for y in range(one.size[1]))
+assert sum(ink(one, x, y) for x in range(one.size[0]) for y in range(one.size[1])) > 10
+PY
+refused 2 "" bad.png render "$FLASH" 1 "x" -o bad.png --zoom 0
+
 unchanged "the font commands"
 finish
