@@ -21,12 +21,14 @@ FlashBuilder sampleFlash() {
     return flash;
 }
 
-const std::string& demoFlashPath() {
-    static const std::string path = [] {
-        const auto p = std::filesystem::temp_directory_path() / "korvatek-workspace-tests-demo.bin";
-        EXPECT_TRUE(app::writeFile(p.string(), firmware::makeDemoFlash()).ok());
-        return p.string();
-    }();
+// In the running test's own folder: tests run side by side (ctest -j), and one file shared by
+// all of them would be written by one while another reads it.
+std::string demoFlashPath() {
+    static const Bytes demo = firmware::makeDemoFlash();
+    const std::string path = testFolder() + "/demo.bin";
+    if (!std::filesystem::exists(app::toPath(path))) {
+        EXPECT_TRUE(app::writeFile(path, demo).ok());
+    }
     return path;
 }
 

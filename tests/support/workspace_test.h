@@ -35,8 +35,8 @@ enum SamplePicture {
 };
 FlashBuilder sampleFlash();
 
-// The demonstration fullflash, written once per test program.
-const std::string& demoFlashPath();
+// The demonstration fullflash, in the running test's own folder.
+std::string demoFlashPath();
 
 // The black part of a test bitmap: [x0, x1) x [y0, y1).
 struct Ink {
