@@ -21,6 +21,7 @@
 #include "canvas_image.h"
 #include "command_line.h"
 #include "glyph_list_model.h"
+#include "text_preview.h"
 #include "options_dialog.h"
 #include "picture_list_model.h"
 #include "preview_widget.h"
@@ -117,6 +118,8 @@ void Form1::buildWidgets() {
     previewLayout->setSpacing(6);
     previewLayout->addWidget(m_preview, 1);
     previewLayout->addWidget(m_info);
+    m_textPreview = new TextPreview(m_ws, previewPane);   // on the Fonts tab, under the glyph
+    previewLayout->addWidget(m_textPreview);
 
     m_splitter = new QSplitter(Qt::Horizontal, this);
     m_splitter->setObjectName(QStringLiteral("splitter"));
@@ -245,6 +248,7 @@ void Form1::refreshFromWorkspace() {
     fillFontSelector();
     updateCommandStates();
     showPreview();
+    m_textPreview->refresh();
     showTab();
     m_progress->setValue(static_cast<int>(std::lround(std::clamp(m_ws.progress, 0.0, 100.0))));
     m_fileStatus->setText(m_ws.firmware ? QStringLiteral("%1   %2   %3")
@@ -286,6 +290,7 @@ void Form1::showTab() {
     const bool fonts = m_ws.TabStrip1 == 2;
     m_pictureList->setVisible(!fonts);
     m_glyphList->setVisible(fonts);
+    m_textPreview->setVisible(fonts);
     m_fontSelector->setVisible(fonts);
     if (m_tabStrip->currentIndex() != m_ws.TabStrip1 - 1) {
         const QSignalBlocker quiet(m_tabStrip);

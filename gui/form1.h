@@ -31,6 +31,7 @@ class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
 class PreviewWidget;
+class TextPreview;
 class WorkspaceSelection;
 
 class Form1 : public QMainWindow {
@@ -94,6 +95,7 @@ private:
     std::unique_ptr<settings::AssociationStore> m_associations;
 
     PictureListModel* m_pictureModel = nullptr;
+    TextPreview* m_textPreview = nullptr;
     GlyphListModel* m_glyphModel = nullptr;
     WorkspaceSelection* m_pictureSelection = nullptr;
     WorkspaceSelection* m_glyphSelection = nullptr;

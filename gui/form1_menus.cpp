@@ -10,6 +10,7 @@
 #include <array>
 
 #include "form1.h"
+#include "text_preview.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"
 #include "qt_text.h"
@@ -199,6 +200,7 @@ void Form1::retranslate() {
     m_tabStrip->setTabText(0, captionText(table.caption(CaptionKey::TabPictures)));
     m_tabStrip->setTabText(1, captionText(table.caption(CaptionKey::TabFonts)));
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
+    m_textPreview->retranslate();
 }
 
 }  // namespace korvatek::gui

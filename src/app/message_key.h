@@ -91,6 +91,12 @@ enum class MessageKey : int {
     MsgWritePatchedCopy,
     MsgClose,
     MsgStatusTableDescription,
+    MsgPreviewTitle,      // the text preview on the Fonts tab
+    MsgPreviewPlaceholder,
+    MsgPreviewZoom,
+    MsgPreviewPending,    // a check box: draw the glyphs waiting in the glyph patch
+    MsgPreviewMissing,    // + the characters the font has no glyph for
+    MsgPreviewDescription,
     Count
 };
 

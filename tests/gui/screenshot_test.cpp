@@ -2,6 +2,8 @@
 // soon after start-up and the large picture shown, then the Fonts tab with a glyph. Each view is
 // saved as a PNG in <build>/screenshots for a look, once it shows what it should.
 #include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QTabBar>
@@ -10,6 +12,7 @@
 
 #include "picture_list_model.h"
 #include "preview_widget.h"
+#include "text_preview.h"
 #include "test_classes.h"
 #include "test_support.h"
 
@@ -58,6 +61,24 @@ private slots:
         const QImage& glyph = m_window->findChild<PreviewWidget*>("Picture1")->image();
         QCOMPARE(glyph.size(), QSize(12, 18));  // the A of font 0, not the picture shown before
         save("form1_fonts.png");
+    }
+
+    // The text preview under the glyph list draws the typed line with the chosen font, and
+    // names what the font lacks.
+    void theTextPreviewDrawsTheTypedLine() {
+        auto* preview = m_window->findChild<TextPreview*>("TextPreview");
+        QVERIFY(preview && preview->isVisible());
+        QTest::keyClicks(preview->textBox(), QStringLiteral("Hello "));
+        preview->textBox()->insert(QStringLiteral("Ё"));   // typed through the input method
+        const QImage& line = preview->image();
+        QVERIFY(line.height() >= 18);   // at least the A's cell, which the glyph preview showed
+        int ink = 0;
+        for (int y = 0; y < line.height(); ++y)
+            for (int x = 0; x < line.width(); ++x) ink += line.pixel(x, y) == 0xFF000000u;
+        QVERIFY2(ink > 5 * 20 && line.width() > 6 * 10, "five letters and a space");
+        const auto* missing = m_window->findChild<QLabel*>("TextPreviewMissing");
+        QVERIFY2(missing->text().endsWith(QStringLiteral(": Ё")), qPrintable(missing->text()));
+        save("form1_text_preview.png");
     }
 
 private:

@@ -91,6 +91,12 @@ const LanguageTexts& LanguageEN() {
             "Write patched copy..",
             "Close",
             "Each line of the patch: the address it writes to, how many bytes, and whether the fullflash already holds its new bytes",
+            "Text preview",
+            "Type a line to see it in this font",
+            "Zoom:",
+            "With the glyphs waiting in the patch",
+            "Not in this font: ",
+            "The typed line drawn with the phone's own glyphs, as the phone shows it",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

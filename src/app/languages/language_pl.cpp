@@ -91,6 +91,12 @@ const LanguageTexts& LanguagePL() {
             "Zapisz kopię z łatką..",
             "Zamknij",
             "Każdy wiersz łatki: adres, pod który zapisuje, ile bajtów i czy fullflash ma już jego nowe bajty",
+            "Podgląd tekstu",
+            "Wpisz wiersz, aby zobaczyć go tą czcionką",
+            "Powiększenie:",
+            "Ze znakami czekającymi w łatce",
+            "Brak w tej czcionce: ",
+            "Wpisany wiersz narysowany znakami samego telefonu, tak jak pokaże go telefon",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

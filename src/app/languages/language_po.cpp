@@ -91,6 +91,12 @@ const LanguageTexts& LanguagePO() {
             "Gravar cópia com o patch..",
             "Fechar",
             "Cada linha do patch: o endereço em que grava, quantos bytes e se o fullflash já contém os bytes novos",
+            "Prévia do texto",
+            "Digite uma linha para vê-la nesta fonte",
+            "Ampliação:",
+            "Com os caracteres que aguardam no patch",
+            "Não existe nesta fonte: ",
+            "A linha digitada desenhada com os caracteres do próprio telefone, como o telefone a mostra",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

@@ -91,6 +91,12 @@ const LanguageTexts& LanguageSL() {
             "Zapísať kópiu s patchom..",
             "Zavrieť",
             "Každý riadok patchu: adresa, na ktorú zapisuje, koľko bajtov a či fullflash už obsahuje jeho nové bajty",
+            "Náhľad textu",
+            "Napíšte riadok a uvidíte ho týmto písmom",
+            "Zväčšenie:",
+            "So znakmi, ktoré čakajú v patchi",
+            "V tomto písme chýba: ",
+            "Napísaný riadok nakreslený vlastnými znakmi telefónu, tak ako ho telefón zobrazí",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
