@@ -67,7 +67,26 @@ void Workspace::ReplaceGlyphFromBMP() {
     if (!firmware || index < 0 || index >= static_cast<int>(ListView2.size())) return;
     const auto file = readFile(PresetPath, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    const edit::GlyphReplacement replaced = edit::glyphFromBmp(*file, ListView2, static_cast<std::size_t>(index), glyphGrid);
+    replaceGlyph(*file);
+}
+
+void Workspace::applyEditedGlyph(ByteView bmp) {
+    const fonts::GlyphRecord* row = selectedGlyph();
+    if (row == nullptr || !firmware) return;
+    ActionFailed = false;
+    // The same refusal as for a BMP loaded from the menu: one replacement per glyph and patch.
+    if (isMarked(*row)) {
+        showMessage(msg(MessageKey::MsgAlreadyReplaced), signedText(row->code));
+        ActionFailed = true;
+        return;
+    }
+    CurrentGlyphNumber = row->code;
+    replaceGlyph(bmp);
+}
+
+void Workspace::replaceGlyph(ByteView bmp) {
+    const int index = static_cast<int>(CurrentGlyphNumber) - 1;
+    const edit::GlyphReplacement replaced = edit::glyphFromBmp(bmp, ListView2, static_cast<std::size_t>(index), glyphGrid);
     if (replaced.sized) GlyphShown = true;
     if (replaced.drawn) preview = Preview{Preview::Source::Glyph, replaced.loadedWidth, replaced.loadedHeight};
     if (replaced.tooBig) {

@@ -121,6 +121,9 @@ public:
     void mnuPopup2_LoadBMP();
     void mnuPopup2_LoadBMPfolder();
     void ReplaceGlyphFromBMP();                 // PresetPath, CurrentGlyphNumber
+    // The glyph editor's Apply: the selected glyph replaced by the BMP of the edited cell,
+    // exactly as that BMP loaded from the menu would replace it.
+    void applyEditedGlyph(ByteView bmp);
     void mnuPopup2_SavePatch();
     void mnuPopup2_DiscardPatch();
     bool mnuPopup2_SavePatchEnabled() const { return GlyphPatchInProgress; }
@@ -128,6 +131,7 @@ public:
     std::optional<std::string> copyGlyphCell(int column) const;
 
     // ---- helpers shared by the commands
+    void replaceGlyph(ByteView bmp);            // the rest of ReplaceGlyphFromBMP, CurrentGlyphNumber set
     // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
     void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
                   bool saveMode);

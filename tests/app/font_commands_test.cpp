@@ -2,6 +2,7 @@
 // replacement and its patch, the font rebuild.
 #include <filesystem>
 
+#include "edit/font_edits.h"
 #include "fonts/font_patch.h"
 #include "support/workspace_test.h"
 
@@ -93,6 +94,37 @@ TEST_F(Fonts, replacedGlyphsAreMarkedCollectedAndPatchedForTheirOwnFont) {
     EXPECT_FALSE(ws.ListView2[64].replaced);
     replace(66, small);
     EXPECT_EQ(ws.collectedGlyphs.size(), 1u);
+}
+
+// The editor's Apply is a BMP replacement of the edited cell: the same glyph patch bytes as
+// saving that cell as a BMP and loading it from the menu, the same refusals.
+TEST_F(Fonts, anEditedGlyphIsQueuedAsItsBmpWouldBe) {
+    openDemo(0);
+    edit::PixelGrid cell = edit::glyphCellGrid(ws.firmware->bytes(), ws.ListView2[64]);   // the A
+    ASSERT_GT(cell.width, 0);
+    edit::mirror(cell, true);
+    edit::drawLine(cell, 3, 4, 6, 7, edit::kInk);   // inside the ink: the room stays as it is
+    const auto bmp = edit::gridBmp(cell);
+    ASSERT_TRUE(bmp.ok());
+    ASSERT_TRUE(app::writeFile(file("edited.bmp"), *bmp).ok());
+    replace(65, file("edited.bmp"));
+    ASSERT_EQ(ws.collectedGlyphs.size(), 1u);
+    const std::string fromMenu = fonts::glyphPatchText(0, ws.FirmwareId, ws.collectedGlyphs, ws.firmware->bytes());
+    ws.mnuPopup2_DiscardPatch();
+
+    ws.selectGlyph(64);
+    ws.applyEditedGlyph(*bmp);
+    ASSERT_EQ(ws.collectedGlyphs.size(), 1u);
+    EXPECT_EQ(fonts::glyphPatchText(0, ws.FirmwareId, ws.collectedGlyphs, ws.firmware->bytes()), fromMenu);
+    EXPECT_TRUE(ws.ListView2[64].replaced);
+
+    forget();
+    ws.applyEditedGlyph(*bmp);   // already replaced
+    EXPECT_EQ(ui.messages, (std::vector<Shown>{{text(MsgAlreadyReplaced), " 65"}}));
+    ws.selectGlyph(65);
+    ws.applyEditedGlyph(*edit::gridBmp(edit::PixelGrid(60, 40, edit::kInk)));   // more than the B's room
+    EXPECT_TRUE(ws.ActionFailed);
+    EXPECT_FALSE(ws.ListView2[65].replaced);
 }
 
 TEST_F(Fonts, aRebuiltFontThatNoLongerFitsNamesTheFiguresAndAsksForNoFile) {
