@@ -56,6 +56,8 @@ public:
     std::unique_ptr<OptionsDialog> makeOptionsDialog();
     // Every caption the language routines set, read again from the message table.
     void retranslate();
+    // The glyph editor on the selected glyph; Apply queues the edited cell as a BMP would be.
+    void editGlyph();
 
     // Popups appear through this; by default the menu opens at the pointer.
     using PopupPresenter = std::function<void(QMenu& menu, const QPoint& globalPos)>;
@@ -110,6 +112,7 @@ private:
     QSplitter* m_splitter = nullptr;
     QMenu* m_picturePopup = nullptr;
     QMenu* m_glyphPopup = nullptr;
+    QAction* m_editGlyph = nullptr;
     QAction* m_checkPatch = nullptr;
     QAction* m_savePicturePatch = nullptr;
     QAction* m_discardPicturePatch = nullptr;

@@ -10,6 +10,7 @@
 #include <array>
 
 #include "form1.h"
+#include "glyph_editor.h"
 #include "text_preview.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"
@@ -163,6 +164,9 @@ void Form1::buildGlyphMenu() {
          [this] { m_ws.mnuPopup2_LoadBMP(); });
     wire(addCaptionedAction(popup, "mnuPopup2_LoadBMPfolder", CaptionKey::mnuPopup2_LoadBMPfolder),
          [this] { m_ws.mnuPopup2_LoadBMPfolder(); });
+    m_editGlyph = popup->addAction(QString());
+    m_editGlyph->setObjectName(QStringLiteral("mnuPopup2_EditGlyph"));
+    connect(m_editGlyph, &QAction::triggered, this, &Form1::editGlyph);
     separator(popup, "mnuPopup2_Bar0");
     wire(addCaptionedAction(popup, "mnuPopup2_SaveBMP", CaptionKey::mnuPopup2_SaveBMP),
          [this] { m_ws.mnuPopup2_SaveBMP(); });
@@ -201,6 +205,15 @@ void Form1::retranslate() {
     m_tabStrip->setTabText(1, captionText(table.caption(CaptionKey::TabFonts)));
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
+    m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
+}
+
+void Form1::editGlyph() {
+    if (!m_ws.firmware || m_ws.ListView2Selected < 0) return;
+    GlyphEditorDialog editor(m_ws, this);
+    if (editor.exec() != QDialog::Accepted) return;
+    const Bytes bmp = editor.bmp();
+    runCommand([this, &bmp] { m_ws.applyEditedGlyph(bmp); });
 }
 
 }  // namespace korvatek::gui

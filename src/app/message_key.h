@@ -97,6 +97,24 @@ enum class MessageKey : int {
     MsgPreviewPending,    // a check box: draw the glyphs waiting in the glyph patch
     MsgPreviewMissing,    // + the characters the font has no glyph for
     MsgPreviewDescription,
+    MsgEditGlyph,         // the glyph list's popup: open the glyph editor
+    MsgGlyphEditorTitle,
+    MsgToolPencil,
+    MsgToolEraser,
+    MsgToolLine,
+    MsgToolRectangle,
+    MsgToolFill,
+    MsgShiftLeft,
+    MsgShiftRight,
+    MsgShiftUp,
+    MsgShiftDown,
+    MsgMirrorHorizontal,
+    MsgMirrorVertical,
+    MsgUndo,
+    MsgRedo,
+    MsgCellWidth,
+    MsgCellHeight,
+    MsgGridDescription,
     Count
 };
 
