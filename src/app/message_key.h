@@ -90,6 +90,10 @@ enum class MessageKey : int {
     MsgWritePatchedCopy,
     MsgClose,
     MsgStatusTableDescription,
+    MsgStatusLines,       // the status table's accessible name
+    MsgStatusSummary,     // the summary above it: its accessible name and description
+    MsgStatusSummaryDescription,
+    MsgWritePatchedCopyDescription,
     Count
 };
 

@@ -90,6 +90,10 @@ const LanguageTexts& LanguageEN() {
             "Write patched copy..",
             "Close",
             "Each line of the patch: the address it writes to, how many bytes, and whether the fullflash already holds its new bytes",
+            "Patch lines",
+            "Summary",
+            "Where each patch stands on the fullflash, and the addresses where two patches write different bytes",
+            "Writes a new file: a copy of the fullflash with the patches applied. The open fullflash stays as it is",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

@@ -90,6 +90,10 @@ const LanguageTexts& LanguagePL() {
             "Zapisz kopię z łatką..",
             "Zamknij",
             "Każdy wiersz łatki: adres, pod który zapisuje, ile bajtów i czy fullflash ma już jego nowe bajty",
+            "Wiersze łatek",
+            "Podsumowanie",
+            "Stan każdej łatki na fullflashu i adresy, pod które dwie łatki zapisują różne bajty",
+            "Zapisuje nowy plik: kopię fullflasha z nałożonymi łatkami. Otwarty fullflash pozostaje bez zmian",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

@@ -90,6 +90,10 @@ const LanguageTexts& LanguagePO() {
             "Gravar cópia com o patch..",
             "Fechar",
             "Cada linha do patch: o endereço em que grava, quantos bytes e se o fullflash já contém os bytes novos",
+            "Linhas dos patches",
+            "Resumo",
+            "O estado de cada patch no fullflash e os endereços em que dois patches gravam bytes diferentes",
+            "Grava um novo arquivo: uma cópia do fullflash com os patches aplicados. O fullflash aberto continua como está",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

@@ -90,6 +90,10 @@ const LanguageTexts& LanguageSL() {
             "Zapísať kópiu s patchom..",
             "Zavrieť",
             "Každý riadok patchu: adresa, na ktorú zapisuje, koľko bajtov a či fullflash už obsahuje jeho nové bajty",
+            "Riadky patchov",
+            "Súhrn",
+            "Stav každého patchu na fullflash a adresy, na ktoré dva patche zapisujú rôzne bajty",
+            "Zapíše nový súbor: kópiu fullflash s aplikovanými patchmi. Otvorený fullflash zostane nezmenený",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
