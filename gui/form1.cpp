@@ -70,6 +70,7 @@ Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
     buildWidgets();
     buildMenus();
     m_ui.setProgressBar(m_progress);
+    m_ui.setMessages(m_ws.messages);
     retranslate();
     showTab();
     resize(1080, 740);

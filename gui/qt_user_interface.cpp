@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include "application.h"
+#include "patch_status_dialog.h"
 #include "qt_text.h"
 
 namespace korvatek::gui {
@@ -63,26 +64,44 @@ void QtUserInterface::remember(const QString& path, bool isFolder) {
     m_lastFolder = isFolder ? path : QFileInfo(path).absolutePath();
 }
 
-std::optional<std::string> QtUserInterface::runFileDialog(const app::FileDialogRequest& request, bool save) {
+std::optional<std::vector<std::string>> QtUserInterface::runFileDialog(const app::FileDialogRequest& request,
+                                                                       FileMode mode) {
+    const bool save = mode == FileMode::Save;
     QFileDialog dialog(m_parent, toQString(request.title), m_lastFolder);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setFileMode(save                             ? QFileDialog::AnyFile
+                       : mode == FileMode::OpenSeveral ? QFileDialog::ExistingFiles
+                                                       : QFileDialog::ExistingFile);
     const QString filters = qtNameFilters(request.filter);
     if (!filters.isEmpty()) dialog.setNameFilters(filters.split(QStringLiteral(";;")));
     if (save) dialog.setDefaultSuffix(defaultSuffix(request.filter));
     if (!request.fileName.empty()) dialog.selectFile(toQString(request.fileName));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    const QString chosen = QDir::toNativeSeparators(dialog.selectedFiles().first());
-    remember(chosen, false);
-    return toStdString(chosen);
+    std::vector<std::string> chosen;
+    for (const QString& file : dialog.selectedFiles()) chosen.push_back(toStdString(QDir::toNativeSeparators(file)));
+    remember(QDir::toNativeSeparators(dialog.selectedFiles().first()), false);
+    return chosen;
 }
 
 std::optional<std::string> QtUserInterface::chooseOpenFile(const app::FileDialogRequest& request) {
-    return runFileDialog(request, false);
+    auto chosen = runFileDialog(request, FileMode::Open);
+    if (!chosen) return std::nullopt;
+    return chosen->front();
 }
 
 std::optional<std::string> QtUserInterface::chooseSaveFile(const app::FileDialogRequest& request) {
-    return runFileDialog(request, true);
+    auto chosen = runFileDialog(request, FileMode::Save);
+    if (!chosen) return std::nullopt;
+    return chosen->front();
+}
+
+std::optional<std::vector<std::string>> QtUserInterface::chooseOpenFiles(const app::FileDialogRequest& request) {
+    return runFileDialog(request, FileMode::OpenSeveral);
+}
+
+bool QtUserInterface::showPatchStatus(const edit::StatusReport& report, bool canWrite) {
+    PatchStatusDialog dialog(report, m_messages != nullptr ? *m_messages : m_ownMessages, canWrite, m_parent);
+    return dialog.exec() == QDialog::Accepted && canWrite;
 }
 
 std::optional<std::string> QtUserInterface::chooseFolder(const std::string& title) {

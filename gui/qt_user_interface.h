@@ -8,6 +8,7 @@
 #include <QProgressBar>
 #include <QString>
 
+#include "app/message_table.h"
 #include "app/user_interface.h"
 
 namespace korvatek::gui {
@@ -20,13 +21,17 @@ public:
     explicit QtUserInterface(QWidget* parent);
 
     void setProgressBar(QProgressBar* bar) { m_progressBar = bar; }
+    // The table the patch status dialog takes its words from: the window's, in its language.
+    void setMessages(const settings::MessageTable& messages) { m_messages = &messages; }
 
     void showMessage(const std::string& text, const std::string& title) override;
     bool askOkCancel(const std::string& text) override;
     std::optional<std::string> chooseOpenFile(const app::FileDialogRequest& request) override;
     std::optional<std::string> chooseSaveFile(const app::FileDialogRequest& request) override;
+    std::optional<std::vector<std::string>> chooseOpenFiles(const app::FileDialogRequest& request) override;
     std::optional<std::string> chooseFolder(const std::string& title) override;
     std::optional<std::string> inputText(const std::string& prompt) override;
+    bool showPatchStatus(const edit::StatusReport& report, bool canWrite) override;
     void setProgress(double percent) override;
 
     // "Desc (*.x)|*.x|Desc2|*.y" as Qt's "Desc (*.x);;Desc2 (*.y)": each description keeps its
@@ -40,13 +45,16 @@ public:
     const QString& lastFolder() const { return m_lastFolder; }
 
 private:
-    std::optional<std::string> runFileDialog(const app::FileDialogRequest& request, bool save);
+    enum class FileMode { Open, OpenSeveral, Save };
+    std::optional<std::vector<std::string>> runFileDialog(const app::FileDialogRequest& request, FileMode mode);
     void remember(const QString& path, bool isFolder);
 
     QWidget* m_parent;
     QPointer<QProgressBar> m_progressBar;
     QElapsedTimer m_sinceRepaint;
     QString m_lastFolder;
+    const settings::MessageTable* m_messages = nullptr;
+    settings::MessageTable m_ownMessages;  // English, until the window gives its table
 };
 
 }  // namespace korvatek::gui

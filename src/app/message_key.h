@@ -115,6 +115,10 @@ enum class MessageKey : int {
     MsgCellWidth,
     MsgCellHeight,
     MsgGridDescription,
+    MsgStatusLines,       // the status table's accessible name
+    MsgStatusSummary,     // the summary above it: its accessible name and description
+    MsgStatusSummaryDescription,
+    MsgWritePatchedCopyDescription,
     Count
 };
 

@@ -1,10 +1,12 @@
 // Tools that read patches: converting the other tool's picture patches into containers, and
 // checking a patch against the open fullflash before it is flashed.
+#include <algorithm>
 #include <filesystem>
 
 #include "base/hex_text.h"
 #include "app/workspace.h"
 #include "app/error_message.h"
+#include "app/patch_status_text.h"
 #include "edit/patch_files.h"
 
 namespace korvatek::app {
@@ -40,17 +42,51 @@ void Workspace::mnu_ToolsConvertLumbrapatch() {
     showSuccess();
 }
 
+namespace {
+
+// What stops several patches from going on together: each patch with problems under its name,
+// then every address where two of them write different bytes.
+std::string severalPatchesProblemsText(const settings::MessageTable& messages, const edit::StatusReport& report,
+                                       const std::vector<std::string>& problems) {
+    std::string text;
+    const auto add = [&](const std::string& line) { text += (text.empty() ? "" : "\r") + line; };
+    for (std::size_t i = 0; i < report.patches.size(); ++i)
+        if (!problems[i].empty()) add(patchName(report.patches[i].path) + ":\r" + problems[i]);
+    for (const patch::PatchClash& clash : report.clashes)
+        add(clashText(messages, clash, patchName(report.patches[clash.firstPatch].path),
+                      patchName(report.patches[clash.secondPatch].path)));
+    return text;
+}
+
+}  // namespace
+
 void Workspace::mnu_ToolsCheckPatch() {
     ActionFailed = false;
     if (!firmware) return;
-    std::string source;
-    OSdialog(ActionFailed, "V_Klay Patch File(*.vkp)|*.vkp", "VKP", source, false);
-    if (ActionFailed) return;
-    const auto check = edit::checkPatchFile(firmware->bytes(), source);
-    if (!check) return fail(check.error());
-    const std::string problems = patchProblemsText(messages, *check);
-    if (!problems.empty()) {
-        showMessage(problems);
+    const std::string kind = "VKP";
+    const auto sources = ui.chooseOpenFiles({msg(MessageKey::MsgChooseFile) + kind + ":", kind,
+                                             "V_Klay Patch File(*.vkp)|*.vkp", {}});
+    if (!sources || sources->empty() ||
+        std::any_of(sources->begin(), sources->end(), [](const std::string& path) { return path.empty(); })) {
+        ActionFailed = true;
+        return;
+    }
+    const auto report = edit::patchStatus(firmware->bytes(), *sources);
+    if (!report) return fail(report.error());
+
+    // The table first, whatever it shows; the patched copy is offered only when every patch
+    // matches the fullflash and no two of them write different bytes to one address.
+    std::vector<std::string> problems;
+    for (const edit::PatchReport& p : report->patches) problems.push_back(patchProblemsText(messages, p.check));
+    const bool clean = report->clashes.empty() &&
+                       std::all_of(problems.begin(), problems.end(), [](const std::string& p) { return p.empty(); });
+    const bool write = ui.showPatchStatus(*report, clean);
+    if (!clean) {
+        showMessage(sources->size() == 1 ? problems.front() : severalPatchesProblemsText(messages, *report, problems));
+        ActionFailed = true;
+        return;
+    }
+    if (!write) {
         ActionFailed = true;
         return;
     }
@@ -63,12 +99,15 @@ void Workspace::mnu_ToolsCheckPatch() {
         ActionFailed = true;
         return;
     }
-    if (!confirmReplace(target, {source})) {
+    if (!confirmReplace(target, *sources)) {
         ActionFailed = true;
         return;
     }
-    const Bytes patched = patch::applyEdits(check->parsed.edits, firmware->bytes());
-    if (!writeOutput(target, patched, {source})) return;
+    // In the order chosen: patches that pass the checks above touch different bytes or agree.
+    Bytes patched = patch::applyEdits(report->patches.front().check.parsed.edits, firmware->bytes());
+    for (std::size_t i = 1; i < report->patches.size(); ++i)
+        patched = patch::applyEdits(report->patches[i].check.parsed.edits, patched);
+    if (!writeOutput(target, patched, *sources)) return;
     PatchedCopyPath = target;
     if (ui.askOkCancel(msg(MessageKey::MsgOpenPatchedCopy))) {
         PathGiven = true;

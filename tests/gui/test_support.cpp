@@ -8,9 +8,11 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QModelIndex>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QUuid>
 
+#include "patch_status_dialog.h"
 #include "support/scripted_interface.h"
 #include "app/workspace.h"
 #include "demo/demo_flash.h"
@@ -97,6 +99,14 @@ void ModalAnswerer::answer() {
         } else {
             files->selectFile(filesToChoose.takeFirst());
             static_cast<QDialog*>(files)->accept();  // QFileDialog::accept checks the name
+        }
+    } else if (auto* status = qobject_cast<PatchStatusDialog*>(modal)) {
+        titles << status->windowTitle();
+        auto* write = status->findChild<QPushButton*>(QStringLiteral("write"));
+        if (okAnswer && write != nullptr) {
+            write->click();
+        } else {
+            status->reject();
         }
     } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
         titles << input->windowTitle();

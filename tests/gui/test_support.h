@@ -32,7 +32,8 @@ QStringList changedRanges(const QSignalSpy& dataChanged);
 
 // While it lives, every modal box that opens is answered: message boxes are recorded and
 // answered OK (or Cancel when okAnswer is false); file dialogs get the next path of
-// `filesToChoose`, or are cancelled when there is none.
+// `filesToChoose`, or are cancelled when there is none; the patch status dialog writes when it
+// offers that and okAnswer is true, and is closed otherwise.
 class ModalAnswerer : public QObject {
     Q_OBJECT
 public:

@@ -1,7 +1,9 @@
 // The window's side of the person-facing seam: filters, boxes, questions, input and progress.
 #include <QDir>
+#include <QFile>
 #include <QTest>
 
+#include "edit/patch_files.h"
 #include "qt_user_interface.h"
 #include "test_classes.h"
 #include "test_support.h"
@@ -63,6 +65,27 @@ private slots:
         QCOMPARE(chosen, std::optional<std::string>(QDir::toNativeSeparators(folder + "/0005.gpf2").toStdString()));
         QCOMPARE(ui.lastFolder(), folder);
         QCOMPARE(ui.chooseOpenFile({"Choose file fullflash:", "fullflash", "All files|*.*", ""}), std::nullopt);
+        const QString patch = folder + "/a.vkp";
+        QFile(patch).open(QIODevice::WriteOnly);
+        answers.filesToChoose = {patch};
+        QCOMPARE(ui.chooseOpenFiles({"Choose file VKP:", "VKP", "V_Klay Patch File(*.vkp)|*.vkp", ""}),
+                 std::optional(std::vector<std::string>{QDir::toNativeSeparators(patch).toStdString()}));
+    }
+
+    // The status table writes only where it offered that; it speaks the window's language.
+    void theStatusTableWritesOnlyWhenOffered() {
+        QWidget parent;
+        QtUserInterface ui(&parent);
+        settings::MessageTable messages;
+        messages.apply(5);
+        ui.setMessages(messages);
+        ModalAnswerer answers;
+        const edit::StatusReport report;
+        QVERIFY(ui.showPatchStatus(report, true));
+        QVERIFY(!ui.showPatchStatus(report, false));
+        answers.okAnswer = false;
+        QVERIFY(!ui.showPatchStatus(report, true));
+        QCOMPARE(answers.titles, QStringList(3, QString::fromStdString(messages.text(settings::MessageKey::MsgStatusTitle))));
     }
 };
 

@@ -29,6 +29,19 @@ std::optional<std::string> ScriptedInterface::chooseSaveFile(const FileDialogReq
     return take(saveFiles, {});
 }
 
+std::optional<std::vector<std::string>> ScriptedInterface::chooseOpenFiles(const FileDialogRequest& request) {
+    if (openFileLists.empty()) return UserInterface::chooseOpenFiles(request);
+    fileDialogs.push_back(request);
+    std::vector<std::string> chosen = take(openFileLists, {});
+    if (chosen.empty()) return std::nullopt;
+    return chosen;
+}
+
+bool ScriptedInterface::showPatchStatus(const edit::StatusReport& report, bool canWrite) {
+    statusTables.push_back({report, canWrite});
+    return take(statusAnswers, canWrite) && canWrite;
+}
+
 std::optional<std::string> ScriptedInterface::chooseFolder(const std::string& title) {
     folderTitles.push_back(title);
     return take(folders, {});

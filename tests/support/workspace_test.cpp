@@ -55,6 +55,7 @@ void WorkspaceTest::forget() {
     ui.fileDialogs.clear();
     ui.folderTitles.clear();
     ui.prompts.clear();
+    ui.statusTables.clear();
 }
 
 std::vector<std::string> WorkspaceTest::texts(std::initializer_list<settings::MessageKey> keys) const {

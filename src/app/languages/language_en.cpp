@@ -115,6 +115,10 @@ const LanguageTexts& LanguageEN() {
             "Width:",
             "Height:",
             "The glyph's pixels, enlarged. Arrow keys move the cursor, Space draws at it with the chosen tool",
+            "Patch lines",
+            "Summary",
+            "Where each patch stands on the fullflash, and the addresses where two patches write different bytes",
+            "Writes a new file: a copy of the fullflash with the patches applied. The open fullflash stays as it is",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

@@ -115,6 +115,10 @@ const LanguageTexts& LanguagePL() {
             "Szerokość:",
             "Wysokość:",
             "Powiększone piksele znaku. Strzałki przesuwają kursor, spacja rysuje w nim wybranym narzędziem",
+            "Wiersze łatek",
+            "Podsumowanie",
+            "Stan każdej łatki na fullflashu i adresy, pod które dwie łatki zapisują różne bajty",
+            "Zapisuje nowy plik: kopię fullflasha z nałożonymi łatkami. Otwarty fullflash pozostaje bez zmian",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

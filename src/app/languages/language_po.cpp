@@ -115,6 +115,10 @@ const LanguageTexts& LanguagePO() {
             "Largura:",
             "Altura:",
             "Os pixels do caractere, ampliados. As setas movem o cursor e a barra de espaço desenha nele com a ferramenta escolhida",
+            "Linhas dos patches",
+            "Resumo",
+            "O estado de cada patch no fullflash e os endereços em que dois patches gravam bytes diferentes",
+            "Grava um novo arquivo: uma cópia do fullflash com os patches aplicados. O fullflash aberto continua como está",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

@@ -115,6 +115,10 @@ const LanguageTexts& LanguageSL() {
             "Šírka:",
             "Výška:",
             "Zväčšené pixely znaku. Šípky posúvajú kurzor, medzerník na ňom kreslí zvoleným nástrojom",
+            "Riadky patchov",
+            "Súhrn",
+            "Stav každého patchu na fullflash a adresy, na ktoré dva patche zapisujú rôzne bajty",
+            "Zapíše nový súbor: kópiu fullflash s aplikovanými patchmi. Otvorený fullflash zostane nezmenený",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
