@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "edit/font_edits.h"
+#include "edit/picture_files.h"
 #include "qt_text.h"
 
 namespace korvatek::gui {

@@ -159,6 +159,25 @@ void Workspace::ReplacePictureFromBMP() {
     encodedReplacement.reset();
 }
 
+void Workspace::applyEditedPicture(ByteView bmp, int targetType) {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr) return;
+    ActionFailed = false;
+    if (isMarked(*row)) {
+        showMessage(msg(MessageKey::MsgAlreadyReplaced), std::to_string(row->number));
+        ActionFailed = true;
+        return;
+    }
+    // What "Load BMP" with this target does, the file's bytes given instead of asked for.
+    TargetTypeField = std::string{static_cast<char>(targetType), '\0'};
+    NoDialog = true;
+    encodedReplacement.emplace();
+    loadBmpAndEncode(bmp, row->numberText() + ".bmp");
+    if (!ActionFailed) mnuPopup_LoadGPF();
+    NoDialog = false;
+    encodedReplacement.reset();
+}
+
 void Workspace::ReplacePictureFromPNG(const std::string& path) {
     const firmware::PictureRecord* row = selectedPicture();
     if (row == nullptr) return;

@@ -91,7 +91,11 @@ void Workspace::BMPtoGPFtool() {
     }
     const auto file = readFile(source, kMaxPictureFileSize);
     if (!file) return fail(file.error());
-    const Status loaded = edit::loadBmpPicture(*file, canvas);
+    loadBmpAndEncode(*file, source);
+}
+
+void Workspace::loadBmpAndEncode(ByteView file, const std::string& source) {
+    const Status loaded = edit::loadBmpPicture(file, canvas);
     if (!loaded) return fail(loaded.error());
     GlyphShown = false;
     preview = Preview{Preview::Source::Picture, canvas.metaWidth, canvas.metaHeight};

@@ -97,6 +97,9 @@ public:
     void mnuPopup_LoadBMPs(int targetType);
     void mnuPopup_LoadBMPs_Origbit();           // each picture keeps its own type
     void ReplacePictureFromBMP();
+    // The picture editor's Apply: the selected picture replaced by the BMP of the edited
+    // pixels as `targetType`, exactly as "Load BMP" with that file and target would.
+    void applyEditedPicture(ByteView bmp, int targetType);
     void ReplacePictureFromPNG(const std::string& path);  // converted as the PNG tool does
     void ReplacePicturesFromBMPFolder();
     void AddPictureToPatch();
@@ -131,7 +134,8 @@ public:
     std::optional<std::string> copyGlyphCell(int column) const;
 
     // ---- helpers shared by the commands
-    void replaceGlyph(ByteView bmp);            // the rest of ReplaceGlyphFromBMP, CurrentGlyphNumber set
+    void replaceGlyph(ByteView bmp);
+    void loadBmpAndEncode(ByteView file, const std::string& source);   // the rest of BMPtoGPFtool            // the rest of ReplaceGlyphFromBMP, CurrentGlyphNumber set
     // The common file dialog; errorFlag is set on cancel and fileName is left as it was.
     void OSdialog(bool& errorFlag, const std::string& filter, const std::string& kind, std::string& fileName,
                   bool saveMode);

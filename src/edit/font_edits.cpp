@@ -5,6 +5,7 @@
 #include "base/file_io.h"
 #include "base/hex_text.h"
 #include "codec/bmp_file.h"
+#include "edit/picture_files.h"
 #include "fonts/font_table.h"
 #include "fonts/glyph_bitmap.h"
 #include "patch/vkp_text.h"
@@ -72,26 +73,7 @@ PixelGrid glyphCellGrid(ByteView image, const fonts::GlyphRecord& row) {
     codec::PixelCanvas canvas(codec::PixelCanvas::kGlyphColumns, codec::PixelCanvas::kGlyphRows);
     const ShownGlyph shown = drawFlashGlyph(image, row, canvas);
     if (!shown.drawn.ok()) return {};
-    PixelGrid grid(shown.width, shown.height);
-    for (int y = 0; y < grid.height; ++y)
-        for (int x = 0; x < grid.width; ++x) {
-            const codec::Cell& c = canvas.at(x, y);
-            grid.set(x, y, 0xFF000000u | Colour{c[2]} << 16 | Colour{c[1]} << 8 | c[0]);
-        }
-    return grid;
-}
-
-Result<Bytes> gridBmp(const PixelGrid& grid) {
-    codec::PixelCanvas canvas(std::max(grid.width, 1), std::max(grid.height, 1));
-    canvas.metaWidth = grid.width;
-    canvas.metaHeight = grid.height;
-    canvas.metaDepth = 24;
-    for (int y = 0; y < grid.height; ++y)
-        for (int x = 0; x < grid.width; ++x) {
-            const Colour c = grid.at(x, y);
-            canvas.at(x, y) = {static_cast<std::uint8_t>(c), static_cast<std::uint8_t>(c >> 8), static_cast<std::uint8_t>(c >> 16), 0};
-        }
-    return codec::encodeBmp(canvas, 24);
+    return canvasGrid(canvas, shown.width, shown.height);
 }
 
 GlyphReplacement glyphFromBmp(ByteView bmp, const std::vector<fonts::GlyphRecord>& rows, std::size_t index,

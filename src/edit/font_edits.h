@@ -34,8 +34,6 @@ ShownGlyph drawFlashGlyph(ByteView image, const fonts::GlyphRecord& row, codec::
 // The glyph's cell as the preview shows it and "Save as BMP" writes it, as a grid to edit; an
 // empty grid when the glyph cannot be drawn.
 PixelGrid glyphCellGrid(ByteView image, const fonts::GlyphRecord& row);
-// The 24-bit BMP of a grid: what saving the edited cell as a BMP would give.
-Result<Bytes> gridBmp(const PixelGrid& grid);
 
 // The replacement of glyph rows[index] from a BMP. The bitmap is loaded into the grid and
 // trimmed to its ink. Room: a glyph may grow into any space up to the next glyph's record,

@@ -1,11 +1,14 @@
 #include "edit/picture_files.h"
 
+#include <algorithm>
+
 #include "codec/bmp_file.h"
 #include "codec/picture_encoder.h"
 #include "codec/picture_type.h"
 #include "codec/png_file.h"
 #include "containers/dat_header.h"
 #include "containers/gpf_header.h"
+#include "edit/picture_decode.h"
 
 namespace korvatek::edit {
 
@@ -89,6 +92,45 @@ Bytes emptyContainer() {
     Bytes file = containers::SaveGPFhead(true, 1, 1, std::string{'\x01', '\0'});
     containers::padContainer(file);
     return file;
+}
+
+PixelGrid canvasGrid(const codec::PixelCanvas& canvas, int width, int height) {
+    PixelGrid grid(std::clamp(width, 0, canvas.columns()), std::clamp(height, 0, canvas.rows()));
+    for (int y = 0; y < grid.height; ++y)
+        for (int x = 0; x < grid.width; ++x) {
+            const codec::Cell& c = canvas.at(x, y);
+            grid.set(x, y, 0xFF000000u | Colour{c[2]} << 16 | Colour{c[1]} << 8 | c[0]);
+        }
+    return grid;
+}
+
+Result<Bytes> gridBmp(const PixelGrid& grid) {
+    codec::PixelCanvas canvas(std::max(grid.width, 1), std::max(grid.height, 1));
+    canvas.metaWidth = grid.width;
+    canvas.metaHeight = grid.height;
+    canvas.metaDepth = 24;
+    for (int y = 0; y < grid.height; ++y)
+        for (int x = 0; x < grid.width; ++x) {
+            const Colour c = grid.at(x, y);
+            canvas.at(x, y) = {static_cast<std::uint8_t>(c), static_cast<std::uint8_t>(c >> 8), static_cast<std::uint8_t>(c >> 16), 0};
+        }
+    return codec::encodeBmp(canvas, 24);
+}
+
+Result<PixelGrid> storedPicture(const PixelGrid& grid, int targetType) {
+    const auto bmp = gridBmp(grid);
+    if (!bmp) return bmp.error();
+    codec::PixelCanvas canvas;
+    if (const Status loaded = loadBmpPicture(*bmp, canvas); !loaded) return loaded.error();
+    const std::string typeField{static_cast<char>(targetType), '\0'};
+    const auto encoded = encodeContainer(canvas, typeField, true);
+    if (!encoded) return encoded.error();
+    ByteReader in(encoded->bytes, 32);   // past the container header
+    codec::PixelCanvas shown;
+    const DecodedPicture decoded = decodeContainerData(in, canvas.metaWidth, canvas.metaHeight, typeField, 24, 0, shown);
+    if (decoded.stopped) return *decoded.stopped;
+    if (decoded.refused) return *decoded.refused;
+    return canvasGrid(shown, canvas.metaWidth, canvas.metaHeight);
 }
 
 }  // namespace korvatek::edit

@@ -7,6 +7,7 @@
 #include "base/byte_reader.h"
 #include "base/result.h"
 #include "codec/pixel_canvas.h"
+#include "edit/pixel_edit.h"
 
 namespace korvatek::edit {
 
@@ -50,5 +51,14 @@ bool fitsVersion1(int width, int height);
 
 // The 48-byte container of a 1 x 1 monochrome picture that stands in for a missing one.
 Bytes emptyContainer();
+
+// The editors' grids and the files they stand for. A canvas cell becomes an opaque colour (the
+// transparent key keeps its own colour, R169 G171 B169, as a BMP carries it).
+PixelGrid canvasGrid(const codec::PixelCanvas& canvas, int width, int height);
+// The 24-bit BMP of a grid: what saving the edited pixels as a BMP would give.
+Result<Bytes> gridBmp(const PixelGrid& grid);
+// What the phone will show of a grid replaced as `targetType` (0x01, 0x85, 0x88 or 0x8A): its
+// BMP encoded as the replacement would encode it, and decoded back.
+Result<PixelGrid> storedPicture(const PixelGrid& grid, int targetType);
 
 }  // namespace korvatek::edit

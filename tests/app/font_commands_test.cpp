@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "edit/font_edits.h"
+#include "edit/picture_files.h"
 #include "fonts/font_patch.h"
 #include "support/workspace_test.h"
 

@@ -2,9 +2,11 @@
 // the picture patch.
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <tuple>
 
 #include "edit/picture_decode.h"
+#include "edit/picture_files.h"
 #include "patch/vkp_text.h"
 #include "support/workspace_test.h"
 
@@ -246,6 +248,50 @@ TEST_F(PicturePatch, aBitmapIsConvertedToTheChosenTypeFirst) {
     ws.mnuPopup_LoadBMP(0x85);
     EXPECT_FALSE(ws.NoDialog);
     EXPECT_FALSE(ws.ListView1[kOneByte].replaced);
+}
+
+// The picture editor's Apply is "Load BMP" of the edited pixels: the same patch for every
+// target type, each from a fresh session (free space handed out is not given back).
+TEST_F(PicturePatch, anEditedPictureIsQueuedAsItsBmpWouldBeForEveryTarget) {
+    show(kPlain16);
+    edit::PixelGrid pixels = edit::canvasGrid(ws.canvas, ws.preview.width, ws.preview.height);
+    edit::drawLine(pixels, 0, 0, 2, 1, 0xFF3366CC);
+    pixels.set(2, 0, 0xFFA9ABA9);   // the transparent key
+    const Bytes bmp = *edit::gridBmp(pixels);
+    ASSERT_TRUE(app::writeFile(file("edited.bmp"), bmp).ok());
+    const std::string sample = sampleFlash().writeTo("fresh.bin");
+    const auto patchOf = [&](const std::function<void(app::Workspace&, app::ScriptedInterface&)>& replace) {
+        app::ScriptedInterface answers;
+        app::Workspace session(answers);
+        answers.openFiles.push_back(sample);
+        session.mnu_FileOpen();
+        session.selectPicture(kPlain16);
+        session.ListView1_Click();
+        replace(session, answers);
+        EXPECT_TRUE(session.ListView1[kPlain16].replaced);
+        return session.PicturePatchText;
+    };
+    for (const int target : {0x01, 0x85, 0x88, 0x8A}) {
+        const std::string fromMenu = patchOf([&](app::Workspace& w, app::ScriptedInterface& answers) {
+            answers.openFiles.push_back(file("edited.bmp"));
+            w.mnuPopup_LoadBMP(target);
+        });
+        const std::string fromEditor = patchOf([&](app::Workspace& w, app::ScriptedInterface&) {
+            w.applyEditedPicture(bmp, target);
+            w.applyEditedPicture(bmp, target);   // one replacement a picture, as from the menu
+            EXPECT_TRUE(w.ActionFailed);
+        });
+        EXPECT_EQ(fromEditor, fromMenu) << target;
+    }
+
+    // What the editor shows as stored: one bit keeps black and white only; 24 bits keep the
+    // colours of the first row (the run-length tail of the last row has always lost cells).
+    const auto oneBit = edit::storedPicture(pixels, 0x01);
+    ASSERT_TRUE(oneBit.ok());
+    for (const edit::Colour c : oneBit->pixels) EXPECT_TRUE(c == 0xFF000000 || c == 0xFFFFFFFF) << std::hex << c;
+    const auto full = edit::storedPicture(pixels, 0x8A);
+    ASSERT_TRUE(full.ok());
+    for (int x = 0; x < 3; ++x) EXPECT_EQ(full->at(x, 0), pixels.at(x, 0)) << x;
 }
 
 }  // namespace
