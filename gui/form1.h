@@ -58,6 +58,8 @@ public:
     void retranslate();
     // The glyph editor on the selected glyph; Apply queues the edited cell as a BMP would be.
     void editGlyph();
+    // The picture editor on the selected picture; Apply queues its pixels as Load BMP would.
+    void editPicture();
 
     // Popups appear through this; by default the menu opens at the pointer.
     using PopupPresenter = std::function<void(QMenu& menu, const QPoint& globalPos)>;
@@ -113,6 +115,7 @@ private:
     QMenu* m_picturePopup = nullptr;
     QMenu* m_glyphPopup = nullptr;
     QAction* m_editGlyph = nullptr;
+    QAction* m_editPicture = nullptr;
     QAction* m_checkPatch = nullptr;
     QAction* m_savePicturePatch = nullptr;
     QAction* m_discardPicturePatch = nullptr;

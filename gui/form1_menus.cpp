@@ -10,7 +10,7 @@
 #include <array>
 
 #include "form1.h"
-#include "glyph_editor.h"
+#include "pixel_editor.h"
 #include "text_preview.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"
@@ -126,6 +126,9 @@ void Form1::buildPictureMenu() {
          [this] { m_ws.mnuPopup_LoadGPFfolder(); });
     addTargetTypeItems(addCaptionedMenu(popup, "mnuPopup_LoadBMP", CaptionKey::mnuPopup_LoadBMP), "mnuPopup_LoadBMP",
                        &app::Workspace::mnuPopup_LoadBMP);
+    m_editPicture = popup->addAction(QString());
+    m_editPicture->setObjectName(QStringLiteral("mnuPopup_EditPicture"));
+    connect(m_editPicture, &QAction::triggered, this, &Form1::editPicture);
     QMenu* loadBmps = addCaptionedMenu(popup, "mnuPopup_LoadBMPs", CaptionKey::mnuPopup_LoadBMPs);
     addTargetTypeItems(loadBmps, "mnuPopup_LoadBMPs", &app::Workspace::mnuPopup_LoadBMPs);
     wire(addFixedAction(loadBmps, "mnuPopup_LoadBMPs_Origbit", QStringLiteral("original")),
@@ -206,6 +209,21 @@ void Form1::retranslate() {
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
+    m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
+}
+
+void Form1::editPicture() {
+    if (!m_ws.firmware || m_ws.ListView1Selected < 0) return;
+    // The selected picture is decoded first, as a replacement from the menu would have it.
+    runCommand([this] {
+        if (m_ws.ShownPicture != m_ws.ListView1Selected) m_ws.ListView1_Click();
+    });
+    if (m_ws.ShownPicture != m_ws.ListView1Selected) return;   // it cannot be shown: nothing to edit
+    PictureEditorDialog editor(m_ws, this);
+    if (editor.exec() != QDialog::Accepted) return;
+    const Bytes bmp = editor.bmp();
+    const int target = editor.targetType();
+    runCommand([this, &bmp, target] { m_ws.applyEditedPicture(bmp, target); });
 }
 
 void Form1::editGlyph() {

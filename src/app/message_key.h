@@ -119,6 +119,14 @@ enum class MessageKey : int {
     MsgStatusSummary,     // the summary above it: its accessible name and description
     MsgStatusSummaryDescription,
     MsgWritePatchedCopyDescription,
+    MsgEditPicture,       // the picture list's popup: open the picture editor
+    MsgPictureEditorTitle,
+    MsgToolPick,
+    MsgColour,
+    MsgTransparent,
+    MsgStoredAs,
+    MsgStoredView,
+    MsgStoredDescription,
     Count
 };
 

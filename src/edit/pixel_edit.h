@@ -12,6 +12,7 @@ namespace korvatek::edit {
 using Colour = std::uint32_t;   // 0xAARRGGBB
 inline constexpr Colour kInk = 0xFF000000;     // a glyph's set pixel
 inline constexpr Colour kPaper = 0xFFFFFFFF;   // a glyph's clear pixel
+inline constexpr Colour kTransparentKey = 0xFFA9ABA9;   // a picture's transparent pixels, as a BMP holds them
 
 struct PixelGrid {
     int width = 0;

@@ -95,6 +95,30 @@ TEST_P(Translation, onlyDeliberateRowsStayEnglish) {
     EXPECT_EQ(englishMessages, GetParam().englishMessages);
 }
 
+// The rows are positional: a key added in one place and its row in another shifts every text
+// after it, in every language at once. The English texts of the first and last key of each
+// group of added rows pin them.
+TEST(MessageRows, lineUpWithTheirKeys) {
+    using enum MessageKey;
+    const std::pair<MessageKey, const char*> pinned[] = {
+        {MsgCannotOpenFile, "Cannot open file "},
+        {MsgPatchMoreLines, "... and %1 more lines that are not patch text"},
+        {MsgLineFaultBase, "base offset is not a hex number"},
+        {MsgStatusTableDescription,
+         "Each line of the patch: the address it writes to, how many bytes, and whether the fullflash already holds its new bytes"},
+        {MsgPreviewTitle, "Text preview"},
+        {MsgEditGlyph, "Edit glyph.."},
+        {MsgGridDescription, "The glyph's pixels, enlarged. Arrow keys move the cursor, Space draws at it with the chosen tool"},
+        {MsgStatusLines, "Patch lines"},
+        {MsgEditPicture, "Edit picture.."},
+        {MsgStoredDescription,
+         "The edited picture as it will be stored for the chosen type, its colours rounded as the phone keeps them"},
+    };
+    const LanguageTexts& en = LanguageEN();
+    for (const auto& [key, text] : pinned) EXPECT_EQ(en.messages[static_cast<std::size_t>(key)], text) << static_cast<int>(key);
+    EXPECT_EQ(static_cast<std::size_t>(MsgStoredDescription) + 1, kMessageCount) << "the last key is the last row";
+}
+
 using enum CaptionKey;
 const Language kLanguages[] = {
     {LanguageEN, "English", {}, {}}, {LanguageRU, "Русский", {cmdOK}, {}},

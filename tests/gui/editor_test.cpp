@@ -1,13 +1,14 @@
 // The glyph editor from the keyboard: drawing at the cursor, shapes from one Space to the
 // next, moving the ink, undo and redo, the cell's size, and Apply through the glyph popup.
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 
 #include "edit/font_edits.h"
-#include "glyph_editor.h"
+#include "pixel_editor.h"
 #include "test_classes.h"
 #include "test_support.h"
 
@@ -81,6 +82,49 @@ private slots:
         QVERIFY(ws.ListView2[64].replaced);
         QCOMPARE(ws.collectedGlyphs.size(), std::size_t{1});
         QCOMPARE(ws.collectedGlyphs[0].number, 65);
+    }
+
+    // The picture editor draws in colour, picks colours, and shows the pixels as the chosen
+    // type will store them; Apply from the popup queues the picture.
+    void thePictureEditorShowsWhatWillBeStored() {
+        app::Workspace& ws = m_window->workspace();
+        ws.selectPicture(1);
+        ws.ListView1_Click();
+        PictureEditorDialog dialog(ws);
+        dialog.show();
+        dialog.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        PixelGridWidget* grid = dialog.editor();
+        QCOMPARE(QSize(grid->grid().width, grid->grid().height), QSize(16, 16));
+        const edit::Colour corner = grid->grid().at(15, 15);
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_K);   // the picker
+        for (int i = 0; i < 15; ++i) QTest::keyClick(grid, Qt::Key_Right), QTest::keyClick(grid, Qt::Key_Down);
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(grid->ink(), corner);
+        grid->setInk(0xFF3366CC);
+        QTest::keyClick(grid, Qt::Key_P);
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(grid->grid().at(15, 15), edit::Colour{0xFF3366CC});
+
+        dialog.targetBox()->setCurrentIndex(0);   // one bit: black and white only
+        QCOMPARE(dialog.targetType(), 0x01);
+        const QImage& oneBit = dialog.storedImage();
+        QCOMPARE(oneBit.size(), QSize(16, 16));
+        for (int y = 0; y < 16; ++y)
+            for (int x = 0; x < 16; ++x) QVERIFY(oneBit.pixel(x, y) == 0xFF000000u || oneBit.pixel(x, y) == 0xFFFFFFFFu);
+        dialog.targetBox()->setCurrentIndex(3);
+        QCOMPARE(dialog.storedImage().pixel(0, 0), QRgb(grid->grid().at(0, 0)));   // 24 bits keep it
+        QVERIFY(dialog.grab().save(QStringLiteral(KORVATEK_SCREENSHOT_DIR "/picture_editor.png")));
+
+        QTimer::singleShot(0, this, [] {
+            auto* editor = qobject_cast<PictureEditorDialog*>(QApplication::activeModalWidget());
+            QVERIFY(editor);
+            editor->editor()->change([](edit::PixelGrid& g) { edit::mirror(g, true); });
+            editor->accept();
+        });
+        m_window->editPicture();
+        QVERIFY(ws.ListView1[1].replaced);
     }
 
 private:
