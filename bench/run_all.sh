@@ -32,3 +32,7 @@ if [ -x "$build/bench/korvatek_gui_bench" ]; then
   echo "== window (offscreen)"
   QT_QPA_PLATFORM=offscreen "$build/bench/korvatek_gui_bench"
 fi
+if [ -x "$build/bench/korvatek_editor_bench" ]; then
+  echo "== editors and text preview (offscreen)"
+  QT_QPA_PLATFORM=offscreen "$build/bench/korvatek_editor_bench" 2>/dev/null
+fi

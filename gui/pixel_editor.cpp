@@ -96,23 +96,43 @@ void PixelGridWidget::redo() {
 void PixelGridWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const int cell = cellSize();
-    for (int y = 0; y < m_grid.height; ++y)
+    // Two calls whatever the size, so that a 240 x 320 picture follows the pen: a checkerboard
+    // of cell-sized tiles under everything, then the pixels, enlarged without smoothing, with
+    // the transparent key see-through.
+    QPixmap tile(cell, cell);
+    tile.fill(Qt::white);
+    {
+        QPainter tilePainter(&tile);
+        const int half = std::max(cell / 2, 1);
+        tilePainter.fillRect(0, 0, half, half, QColor(204, 204, 204));
+        tilePainter.fillRect(half, half, cell - half, cell - half, QColor(204, 204, 204));
+    }
+    const QRect area(0, 0, m_grid.width * cell, m_grid.height * cell);
+    painter.fillRect(area, QBrush(tile));
+    QImage pixels(m_grid.width, m_grid.height, QImage::Format_ARGB32);
+    for (int y = 0; y < m_grid.height; ++y) {
+        auto* line = reinterpret_cast<QRgb*>(pixels.scanLine(y));
         for (int x = 0; x < m_grid.width; ++x) {
             const edit::Colour c = m_grid.at(x, y);
-            if (c != edit::kTransparentKey) {
-                painter.fillRect(x * cell, y * cell, cell, cell, QColor::fromRgba(c));
-                continue;
-            }
-            // The transparent key on a checkerboard of four squares, as image editors show it.
-            const int half = std::max(cell / 2, 1);
-            for (int q = 0; q < 4; ++q)
-                painter.fillRect(x * cell + (q % 2) * half, y * cell + (q / 2) * half, half, half,
-                                 (q == 0 || q == 3) ? QColor(204, 204, 204) : QColor(255, 255, 255));
+            line[x] = c == edit::kTransparentKey ? 0u : c;
         }
-    // Thin lines between the cells, in a grey that reads on ink and on paper.
-    painter.setPen(QColor(128, 128, 128, 110));
-    for (int x = 0; x <= m_grid.width; ++x) painter.drawLine(x * cell, 0, x * cell, m_grid.height * cell);
-    for (int y = 0; y <= m_grid.height; ++y) painter.drawLine(0, y * cell, m_grid.width * cell, y * cell);
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(area, pixels);
+    // Thin lines between the cells, in a grey that reads on ink and on paper: one tile with
+    // its top and left edge drawn, laid over everything (single lines would cost a hundred
+    // times more on a large picture).
+    const QColor lineColour(128, 128, 128, 110);
+    QPixmap lines(cell, cell);
+    lines.fill(Qt::transparent);
+    {
+        QPainter linePainter(&lines);
+        linePainter.fillRect(0, 0, cell, 1, lineColour);
+        linePainter.fillRect(0, 1, 1, cell - 1, lineColour);
+    }
+    painter.fillRect(area, QBrush(lines));
+    painter.fillRect(area.right() + 1, 0, 1, area.height() + 1, lineColour);
+    painter.fillRect(0, area.bottom() + 1, area.width(), 1, lineColour);
     if (hasFocus() && m_grid.contains(m_cursor.x(), m_cursor.y())) {
         painter.setPen(QPen(palette().highlight().color(), 2));
         painter.drawRect(m_cursor.x() * cell + 1, m_cursor.y() * cell + 1, cell - 2, cell - 2);
@@ -149,6 +169,12 @@ void PixelGridWidget::mouseMoveEvent(QMouseEvent* event) {
     } else if (m_tool != DrawTool::Fill && m_tool != DrawTool::Pick) {
         edit::drawLine(m_grid, m_cursor.x(), m_cursor.y(), at.x(), at.y(),
                        m_strokePaper || m_tool == DrawTool::Eraser ? m_paper : m_ink);
+        // Only the cells the pen passed over (and the cursor's frame) are painted again.
+        const int cell = cellSize();
+        const QRect cells = QRect(m_cursor, at).normalized();
+        if (m_grid.contains(at.x(), at.y())) m_cursor = at;
+        update(QRect(cells.topLeft() * cell, (cells.bottomRight() + QPoint(1, 1)) * cell).adjusted(-2, -2, 2, 2));
+        return;
     }
     if (m_grid.contains(at.x(), at.y())) m_cursor = at;
     update();
