@@ -10,6 +10,7 @@
 #include "console.h"
 #include "edit/picture_decode.h"
 #include "firmware/layout.h"
+#include "json_output.h"
 #include "opening.h"
 
 namespace korvatek::cli {
@@ -45,6 +46,14 @@ int runInfo(const Arguments& args) {
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
     if (!flash) return 1;
+    if (args.has("--json"))
+        return printJson({{"model", flash->model},
+                          {"pack", flash->pack},
+                          {"firmware", flash->firmwareId},
+                          {"fonts", flash->fonts.size()},
+                          {"pictures", flash->pictures.size()}})
+                   ? 0
+                   : 1;
     std::printf("model: %s\npack: %s\nfirmware: %s\nfonts: %zu\npictures: %zu\n", flash->model.c_str(),
                 flash->pack.c_str(), flash->firmwareId.c_str(), flash->fonts.size(), flash->pictures.size());
     return 0;
@@ -56,6 +65,18 @@ int runPictures(const Arguments& args) {
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
     if (!flash) return 1;
+    if (args.has("--json")) {
+        Json pictures = Json::array();
+        for (const auto& row : flash->pictures)
+            pictures.push_back({{"number", row.number},
+                                {"width", row.width},
+                                {"height", row.height},
+                                {"type", row.type},
+                                {"recordOffset", row.recordOffset},
+                                {"dataAddress", row.dataAddress},
+                                {"dataOffset", row.dataOffset()}});
+        return printJson({{"pictures", pictures}}) ? 0 : 1;
+    }
     std::string out;
     out.reserve(flash->pictures.size() * 48);
     for (const auto& row : flash->pictures) {

@@ -14,6 +14,7 @@
 #include "console.h"
 #include "edit/font_edits.h"
 #include "edit/text_render.h"
+#include "json_output.h"
 #include "opening.h"
 
 namespace korvatek::cli {
@@ -60,6 +61,15 @@ int runFonts(const Arguments& args) {
     Console console;
     const auto flash = openFlashFile(console, args.positional[0]);
     if (!flash) return 1;
+    if (args.has("--json")) {
+        Json fonts = Json::array();
+        for (std::size_t n = 0; n < flash->fonts.size(); ++n)
+            fonts.push_back({{"index", n},
+                             {"caption", flash->fonts[n].caption},
+                             {"descriptorOffset", flash->fonts[n].descriptorOffset},
+                             {"size", flash->fontSize(n)}});
+        return printJson({{"fonts", fonts}}) ? 0 : 1;
+    }
     for (std::size_t n = 0; n < flash->fonts.size(); ++n) {
         const auto& font = flash->fonts[n];
         std::printf("%s\t%s\t%d\n", font.caption.c_str(), app::hexText(font.descriptorOffset).c_str(), flash->fontSize(n));
@@ -77,6 +87,23 @@ int runGlyphs(const Arguments& args) {
     if (!flash) return 1;
     const auto font = openFont(console, *flash, *fontNumber);
     if (!font) return 1;
+    if (args.has("--json")) {
+        Json glyphs = Json::array();
+        for (const auto& row : font->rows) {
+            // The reference as the list shows it (bM0ffset), as a number.
+            const std::string reference = fonts::referenceText(row.rawReference);
+            glyphs.push_back({{"code", row.code},
+                              {"advance", row.advance},
+                              {"width", row.width},
+                              {"height", row.height},
+                              {"shiftLeft", row.shiftLeft},
+                              {"spaceBelow", row.spaceBelow},
+                              {"headerOffset", row.headerOffset},
+                              {"reference", reference.empty() ? 0 : std::stoull(reference, nullptr, 16)},
+                              {"length", row.listedLength()}});
+        }
+        return printJson({{"font", *fontNumber}, {"glyphs", glyphs}}) ? 0 : 1;
+    }
     std::string out;
     for (const auto& row : font->rows) {
         for (int column = 1; column <= 9; ++column) {

@@ -28,26 +28,27 @@ void printHelp(std::FILE* out) {
 const std::vector<Command>& commands() {
     using Kind = OptionSpec::Kind;
     const OptionSpec output{"-o", Kind::Value, "the file to write (- for standard output where allowed)", "OUT"};
+    const OptionSpec json{"--json", Kind::Flag, "print the result as one JSON document (fields in the README)"};
     const OptionSpec alpha{"--alpha", Kind::Flag, "keep the alpha channel of 24-bit pictures (a 32-bit BMP)"};
     static const std::vector<Command> list{
-        {"info", "info FLASH", "open and identify a fullflash", runInfo, {}},
-        {"pictures", "pictures FLASH", "list the picture table", runPictures, {}},
+        {"info", "info FLASH [--json]", "open and identify a fullflash", runInfo, {json}},
+        {"pictures", "pictures FLASH [--json]", "list the picture table", runPictures, {json}},
         {"picture", "picture FLASH N", "decode picture N and print its information", runPicture, {}},
         {"export", "export FLASH N -o OUT.gpf2|OUT.bmp [--alpha]\n       korvatek-cli export FLASH all --dir DIR --format gpf2|bmp [--alpha]",
          "save one or all pictures as GPF2 or BMP", runExport,
          {output, alpha, {"--dir", Kind::Value, "the folder for all pictures", "DIR"},
           {"--format", Kind::Value, "gpf2 or bmp, for all pictures", "FORMAT"}}},
-        {"patch", "patch FLASH -o OUT.vkp REPL...\n       REPL: N=FILE.gpf2 | N=FILE.gpf | N=FILE.bmp:TYPE | N=FILE.png:TYPE |"
+        {"patch", "patch FLASH -o OUT.vkp [--json] REPL...\n       REPL: N=FILE.gpf2 | N=FILE.gpf | N=FILE.bmp:TYPE | N=FILE.png:TYPE |"
                   " --gpf-folder DIR | --bmp-folder DIR:TYPE (TYPE 1, 8, 16, 24 or orig)",
          "replace pictures and write the picture patch", runPatch,
-         {output, {"--gpf-folder", Kind::Repeated, "replace every picture with a NNNN.gpf2 in DIR", "DIR"},
+         {output, json, {"--gpf-folder", Kind::Repeated, "replace every picture with a NNNN.gpf2 in DIR", "DIR"},
           {"--bmp-folder", Kind::Repeated, "replace every picture with a NNNN.bmp in DIR, as TYPE", "DIR:TYPE"}}},
         {"apply", "apply FLASH PATCH.vkp -o OUT.bin", "check a V_Klay patch and write a patched copy", runApply, {output}},
         {"status", "status FLASH PATCH.vkp... [--json]\n"
                    "       exit status: 0 every patch applied, 3 none applied, 4 partly applied, conflicting or\n"
                    "       clashing, 1 a patch that cannot be read whole or reaches past the fullflash",
          "tell line by line whether patches are already on a fullflash", runStatus,
-         {{"--json", Kind::Flag, "print the status as one JSON document"}}},
+         {json}},
         {"revert", "revert PATCH.vkp -o UNDO.vkp", "write the patch that takes a patch off again", runRevert, {output}},
         {"merge", "merge A.vkp B.vkp... -o MERGED.vkp", "join patches into one, refusing lines that clash", runMerge,
          {output}},
@@ -60,8 +61,8 @@ const std::vector<Command>& commands() {
          {output}},
         {"make", "make SRC_DIR OUT_DIR", "build the picture area blocks from a folder of containers", runMake, {}},
         {"lumbra", "lumbra IN.vkp OUT_DIR", "turn another tool's picture patch into GPF2 files", runLumbra, {}},
-        {"fonts", "fonts FLASH", "list the fonts", runFonts, {}},
-        {"glyphs", "glyphs FLASH FONT", "list the glyphs of a font", runGlyphs, {}},
+        {"fonts", "fonts FLASH [--json]", "list the fonts", runFonts, {json}},
+        {"glyphs", "glyphs FLASH FONT [--json]", "list the glyphs of a font", runGlyphs, {json}},
         {"glyph", "glyph FLASH FONT CODE -o OUT.bmp\n       korvatek-cli glyph FLASH FONT all --dir DIR",
          "save one or all glyphs as BMP", runGlyph, {output, {"--dir", Kind::Value, "the folder for all glyphs", "DIR"}}},
         {"font-size", "font-size FLASH FONT SIZE -o OUT.vkp", "write a font size patch", runFontSize, {output}},

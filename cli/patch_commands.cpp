@@ -14,6 +14,7 @@
 #include "edit/picture_files.h"
 #include "edit/picture_patch.h"
 #include "firmware/layout.h"
+#include "json_output.h"
 #include "opening.h"
 #include "patch/vkp_apply.h"
 
@@ -85,6 +86,17 @@ std::optional<Replacement> parseReplacement(const std::string& option, const std
 // in the window would make them: each picture's own data are decoded first (their length
 // decides between in place and free space), free space is handed out in order, and the depth
 // and target type carry from one replacement to the next as they do there.
+// What happened to one picture of the run, for --json: where its data went and how many bytes,
+// or the messages that refused it.
+struct PlannedPicture {
+    int picture = 0;
+    std::string source;
+    std::optional<edit::PicturePlacement::Kind> placed;   // none: refused
+    std::uint32_t address = 0;
+    std::uint64_t bytes = 0;
+    std::vector<std::string> messages;                     // what was told while it was handled
+};
+
 class PatchRun {
 public:
     PatchRun(Console& console, const edit::OpenedFlash& flash) : m_console(console), m_flash(flash), m_patch(flash) {}
@@ -92,11 +104,19 @@ public:
     // False when the replacement (or any picture of a folder) was refused; its messages are told.
     bool run(const Replacement& r);
     const edit::PicturePatch& patch() const { return m_patch; }
+    const std::vector<PlannedPicture>& plan() const { return m_plan; }
 
 private:
     void say(const std::string& text) {
         ++m_told;
         m_console.say(text);
+        if (!m_plan.empty() && m_planOpen) m_plan.back().messages.push_back(text);
+    }
+    // Each picture handled opens an entry of the plan; the messages told until the next one
+    // belong to it.
+    void begin(int picture, const std::string& source) {
+        m_plan.push_back({picture, source, std::nullopt, 0, 0, {}});
+        m_planOpen = true;
     }
     void fail(const Error& error) { say(m_console.errorText(error)); }
     // Decodes picture n's own data; its length becomes the one a replacement is compared with.
@@ -117,6 +137,8 @@ private:
     std::int64_t m_length = 0;                          // the length the next placement compares with
     std::string m_target = std::string{'\x85', '\0'};   // the target type field
     int m_told = 0;                                     // messages told so far
+    std::vector<PlannedPicture> m_plan;
+    bool m_planOpen = false;
 };
 
 void PatchRun::decodeOwn(const firmware::PictureRecord& row) {
@@ -149,6 +171,11 @@ bool PatchRun::place(const firmware::PictureRecord& row, const Bytes& container)
     if (replacement.refused) fail(*replacement.refused);  // told; the data go in as they are
     const edit::PicturePlacement placed = m_patch.add(row, oldLength, container, replacement);
     if (placed.error) fail(*placed.error);
+    if (!placed.error && !m_plan.empty()) {
+        m_plan.back().placed = placed.kind;
+        m_plan.back().address = placed.address;
+        m_plan.back().bytes = replacement.dataLength;
+    }
     return !placed.error;
 }
 
@@ -175,8 +202,12 @@ std::optional<Bytes> PatchRun::encode(const std::string& path, bool png) {
 }
 
 bool PatchRun::single(const Replacement& r) {
+    begin(r.number, r.path);
     const firmware::PictureRecord* row = pictureNumbered(m_console, m_flash, r.number);
-    if (row == nullptr) return false;
+    if (row == nullptr) {   // told by the look-up itself
+        m_plan.back().messages.push_back(m_console.msg(MessageKey::MsgNoSuchPicture) + std::to_string(r.number));
+        return false;
+    }
     const std::int64_t lengthBefore = m_length;
     decodeOwn(*row);
     bool accepted = false;
@@ -209,6 +240,7 @@ bool PatchRun::gpfFolder(const std::string& folder) {
         const std::string path = app::joinPath(folder, app::zeroPadded(n, 4) + ".gpf2");
         if (app::CheckFexist(path)) continue;
         const firmware::PictureRecord& row = m_flash.pictures[static_cast<std::size_t>(n)];
+        begin(n, path);
         if (refusedAsReplaced(row)) continue;
         decodeOwn(row);
         if (const auto file = app::readFile(path, app::kMaxPictureFileSize); !file)
@@ -227,6 +259,7 @@ bool PatchRun::bmpFolder(const std::string& folder, int target) {
         const std::string path = app::joinPath(folder, app::zeroPadded(n, 4) + ".bmp");
         if (app::CheckFexist(path)) continue;
         const firmware::PictureRecord& row = m_flash.pictures[static_cast<std::size_t>(n)];
+        begin(n, path);
         if (refusedAsReplaced(row)) continue;
         // "orig": each picture keeps its own depth (8-bit 0x85, 12- and 16-bit 0x88, 24-bit
         // 0x8A, 1-bit monochrome); a type without a format keeps the target as it was.
@@ -258,6 +291,26 @@ bool PatchRun::run(const Replacement& r) {
     std::string path = r.path;
     while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
     return r.kind == Replacement::Kind::GpfFolder ? gpfFolder(path) : bmpFolder(path, r.target);
+}
+
+Json planJson(const std::vector<PlannedPicture>& plan, const Json& output, int status) {
+    Json pictures = Json::array();
+    std::uint64_t moved = 0;
+    for (const PlannedPicture& p : plan) {
+        Json entry{{"picture", p.picture}, {"source", p.source}};
+        if (!p.placed) {
+            entry["result"] = "refused";
+        } else {
+            const bool inPlace = *p.placed == edit::PicturePlacement::Kind::InPlace;
+            entry["result"] = inPlace ? "inPlace" : "moved";
+            entry["address"] = p.address;
+            entry["bytes"] = p.bytes;
+            if (!inPlace) moved += p.bytes;
+        }
+        entry["messages"] = p.messages;
+        pictures.push_back(std::move(entry));
+    }
+    return Json{{"output", output}, {"replacements", pictures}, {"freeSpaceBytes", moved}, {"exitCode", status}};
 }
 
 }  // namespace
@@ -294,10 +347,11 @@ int runPatch(const Arguments& args) {
     PatchRun run(console, *flash);
     bool allAccepted = true;
     for (const auto& r : replacements) allAccepted = run.run(r) && allAccepted;
-    if (run.patch().empty()) return 1;  // nothing accepted: nothing written
-    if (!console.prepare(*out, {flash->path})) return 1;
-    if (!console.write(*out, bytesOf(run.patch().text()), {flash->path})) return 1;
-    return allAccepted ? 0 : 1;
+    const bool written = !run.patch().empty() && console.prepare(*out, {flash->path}) &&
+                         console.write(*out, bytesOf(run.patch().text()), {flash->path});
+    const int status = written && allAccepted ? 0 : 1;   // nothing accepted: nothing written
+    if (args.has("--json") && !printJson(planJson(run.plan(), written ? Json(*out) : Json(nullptr), status))) return 1;
+    return status;
 }
 
 int runApply(const Arguments& args) {
