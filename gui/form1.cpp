@@ -71,6 +71,7 @@ Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
     buildMenus();
     m_ui.setProgressBar(m_progress);
     m_ui.setMessages(m_ws.messages);
+    installDropTargets();
     retranslate();
     showTab();
     resize(1080, 740);

@@ -8,6 +8,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,8 @@
 #include "app/settings_store.h"
 
 class QAction;
+class QDragEnterEvent;
+class QDropEvent;
 class QComboBox;
 class QLabel;
 class QMenu;
@@ -60,6 +64,18 @@ public:
     void editGlyph();
     // The picture editor on the selected picture; Apply queues its pixels as Load BMP would.
     void editPicture();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    enum class DropOn { Window, Picture, Glyph };
+    void installDropTargets();
+    void dropFiles(const std::vector<QString>& files, DropOn on, int row, const QPoint& where);
+    std::optional<int> askDropTarget(const QPoint& where);
+public:
 
     // Popups appear through this; by default the menu opens at the pointer.
     using PopupPresenter = std::function<void(QMenu& menu, const QPoint& globalPos)>;

@@ -24,6 +24,10 @@ QString QtUserInterface::boxTitle(const std::string& title) {
 }
 
 void QtUserInterface::showMessage(const std::string& text, const std::string& title) {
+    if (m_collected) {
+        m_collected->push_back(title.empty() ? text : text + " " + title);
+        return;
+    }
     QMessageBox box(QMessageBox::Information, boxTitle(title), toDisplayText(text), QMessageBox::Ok, m_parent);
     box.exec();
 }

@@ -8,6 +8,9 @@
 #include <QProgressBar>
 #include <QString>
 
+#include <string>
+#include <vector>
+
 #include "app/message_table.h"
 #include "app/user_interface.h"
 
@@ -24,6 +27,9 @@ public:
     // The table the patch status dialog takes its words from: the window's, in its language.
     void setMessages(const settings::MessageTable& messages) { m_messages = &messages; }
 
+    // While a sink is set, messages are kept in it instead of shown: a batch tells them once,
+    // at its end.
+    void collectMessagesInto(std::vector<std::string>* sink) { m_collected = sink; }
     void showMessage(const std::string& text, const std::string& title) override;
     bool askOkCancel(const std::string& text) override;
     std::optional<std::string> chooseOpenFile(const app::FileDialogRequest& request) override;
@@ -55,6 +61,7 @@ private:
     QString m_lastFolder;
     const settings::MessageTable* m_messages = nullptr;
     settings::MessageTable m_ownMessages;  // English, until the window gives its table
+    std::vector<std::string>* m_collected = nullptr;
 };
 
 }  // namespace korvatek::gui

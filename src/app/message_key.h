@@ -127,6 +127,9 @@ enum class MessageKey : int {
     MsgStoredAs,
     MsgStoredView,
     MsgStoredDescription,
+    MsgDropSummary,       // after files dropped by picture number: "Pictures replaced: %1 of %2"
+    MsgDropNoNumber,      // a dropped file whose name is no picture number
+    MsgDropTarget,        // the question for dropped BMP and PNG files: the type to store them as
     Count
 };
 

@@ -10,38 +10,42 @@ using settings::MessageKey;
 
 void Workspace::mnu_FileOpen() {
     ActionFailed = false;
-    std::string path;
     if (!PathGiven) {
         std::string fileName;
         bool cancelled = false;
         OSdialog(cancelled, "All supported files (*.bin; *.gpf; *.gpf2; *.dat)|*.bin; *.gpf; *.gpf2; *.dat",
                  "fullflash", fileName, false);
         if (cancelled) return;
-        // The last three characters decide, exactly as typed: "BIN" and "DAT" are containers.
-        const std::string tail = fileName.size() >= 3 ? fileName.substr(fileName.size() - 3) : fileName;
-        if (tail != "bin") {
-            if (tail == "dat")
-                LoadDAT(fileName);
-            else
-                LoadGPF(fileName);
-            return;
-        }
-        path = fileName;
-        PICinfo.clear();
-        preview = Preview{};
-        ListView1.clear();
-        ListView1Selected = -1;
-        ListView2.clear();
-        ListView2Selected = -1;
-        Ftype.clear();
-        FtypeIndex = -1;
-        firmware.reset();
-    } else {
-        path = CommandLinePath;
-        if (!path.empty() && path.back() == '"') path = path.size() >= 2 ? path.substr(1, path.size() - 2) : "";
+        return openChosenFile(fileName);
     }
+    std::string path = CommandLinePath;
+    if (!path.empty() && path.back() == '"') path = path.size() >= 2 ? path.substr(1, path.size() - 2) : "";
     FirmwarePath = path;
     openFirmware(path);
+}
+
+void Workspace::openChosenFile(const std::string& fileName) {
+    ActionFailed = false;
+    // The last three characters decide, exactly as typed: "BIN" and "DAT" are containers.
+    const std::string tail = fileName.size() >= 3 ? fileName.substr(fileName.size() - 3) : fileName;
+    if (tail != "bin") {
+        if (tail == "dat")
+            LoadDAT(fileName);
+        else
+            LoadGPF(fileName);
+        return;
+    }
+    PICinfo.clear();
+    preview = Preview{};
+    ListView1.clear();
+    ListView1Selected = -1;
+    ListView2.clear();
+    ListView2Selected = -1;
+    Ftype.clear();
+    FtypeIndex = -1;
+    firmware.reset();
+    FirmwarePath = fileName;
+    openFirmware(fileName);
 }
 
 void Workspace::openFirmware(const std::string& path) {

@@ -1,6 +1,8 @@
 // Replacing pictures: from a container, a BMP, or a folder of either. A replacement never
 // touches the fullflash: it becomes one section of the picture patch being collected, and
 // the row is marked "*" until the patch is saved.
+#include <cctype>
+
 #include "base/hex_text.h"
 #include "app/workspace.h"
 #include "codec/picture_encoder.h"
@@ -176,6 +178,55 @@ void Workspace::applyEditedPicture(ByteView bmp, int targetType) {
     if (!ActionFailed) mnuPopup_LoadGPF();
     NoDialog = false;
     encodedReplacement.reset();
+}
+
+bool Workspace::replaceSelectedPictureWith(const std::string& path, int targetType) {
+    const firmware::PictureRecord* row = selectedPicture();
+    if (row == nullptr) return false;
+    const int number = row->number;
+    std::string kind = toPath(path).extension().string();
+    for (char& c : kind) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (kind == ".gpf" || kind == ".gpf2") {
+        // Load GPF with the file already chosen.
+        NoDialog = true;
+        PresetPath = path;
+        mnuPopup_LoadGPF();
+        NoDialog = false;
+    } else if (kind == ".bmp") {
+        if (CheckFexist(path)) {
+            showMessage(msg(MessageKey::MsgFileNotExist));
+            return false;
+        }
+        const auto file = readFile(path, kMaxPictureFileSize);
+        if (!file) {
+            fail(file.error());
+            return false;
+        }
+        applyEditedPicture(*file, targetType);
+    } else if (kind == ".png") {
+        TargetTypeField = std::string{static_cast<char>(targetType), '\0'};
+        ReplacePictureFromPNG(path);
+    } else {
+        return false;
+    }
+    return ListView1[static_cast<std::size_t>(number)].replaced && !ActionFailed;
+}
+
+bool Workspace::replaceSelectedGlyphWith(const std::string& path) {
+    const fonts::GlyphRecord* row = selectedGlyph();
+    if (row == nullptr || !firmware) return false;
+    const std::size_t index = static_cast<std::size_t>(row->code - 1);
+    if (CheckFexist(path)) {
+        showMessage(msg(MessageKey::MsgFileNotExist));
+        return false;
+    }
+    const auto file = readFile(path, kMaxPictureFileSize);
+    if (!file) {
+        fail(file.error());
+        return false;
+    }
+    applyEditedGlyph(*file);
+    return ListView2[index].replaced && !ActionFailed;
 }
 
 void Workspace::ReplacePictureFromPNG(const std::string& path) {

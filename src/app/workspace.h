@@ -57,6 +57,8 @@ public:
 
     // ---- File menu
     void mnu_FileOpen();
+    // What File > Open does with the file chosen in its dialog (also a file dropped on the window).
+    void openChosenFile(const std::string& fileName);
 
     // ---- tab strip: 1 "Pictures", 2 "Fonts"
     void TabStrip1_Click(int tab);
@@ -100,6 +102,12 @@ public:
     // The picture editor's Apply: the selected picture replaced by the BMP of the edited
     // pixels as `targetType`, exactly as "Load BMP" with that file and target would.
     void applyEditedPicture(ByteView bmp, int targetType);
+    // A file dropped on the selected picture, replacing it as the menu command for its kind
+    // would: Load GPF for .gpf/.gpf2, Load BMP with `targetType` for .bmp, the PNG conversion
+    // with `targetType` for .png. False when it was refused (told) or is no picture file.
+    bool replaceSelectedPictureWith(const std::string& path, int targetType);
+    // A BMP dropped on the selected glyph: Load BMP with that file.
+    bool replaceSelectedGlyphWith(const std::string& path);
     void ReplacePictureFromPNG(const std::string& path);  // converted as the PNG tool does
     void ReplacePicturesFromBMPFolder();
     void AddPictureToPatch();

@@ -127,6 +127,9 @@ const LanguageTexts& LanguageEN() {
             "Stored as:",
             "As the phone will show it",
             "The edited picture as it will be stored for the chosen type, its colours rounded as the phone keeps them",
+            "Pictures replaced: %1 of %2",
+            "its name is not a picture number",
+            "Store the dropped pictures as:",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

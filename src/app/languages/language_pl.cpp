@@ -127,6 +127,9 @@ const LanguageTexts& LanguagePL() {
             "Zapisz jako:",
             "Tak, jak pokaże telefon",
             "Edytowany obrazek w postaci, w jakiej zostanie zapisany dla wybranego typu, z kolorami zaokrąglonymi tak, jak przechowuje je telefon",
+            "Zastąpione obrazki: %1 z %2",
+            "nazwa nie jest numerem obrazka",
+            "Zapisz upuszczone obrazki jako:",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

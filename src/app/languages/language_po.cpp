@@ -127,6 +127,9 @@ const LanguageTexts& LanguagePO() {
             "Gravar como:",
             "Como o telefone vai mostrar",
             "A imagem editada como será gravada no tipo escolhido, com as cores arredondadas como o telefone as guarda",
+            "Imagens substituídas: %1 de %2",
+            "o nome não é um número de imagem",
+            "Gravar as imagens soltas como:",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

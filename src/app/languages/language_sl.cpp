@@ -127,6 +127,9 @@ const LanguageTexts& LanguageSL() {
             "Uložiť ako:",
             "Ako ho ukáže telefón",
             "Upravený obrázok tak, ako sa uloží pre zvolený typ, s farbami zaokrúhlenými tak, ako ich telefón uchováva",
+            "Nahradené obrázky: %1 z %2",
+            "názov súboru nie je číslo obrázka",
+            "Uložiť pretiahnuté obrázky ako:",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
