@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -21,6 +23,7 @@
 #include "canvas_image.h"
 #include "command_line.h"
 #include "glyph_list_model.h"
+#include "list_filter.h"
 #include "text_preview.h"
 #include "options_dialog.h"
 #include "picture_list_model.h"
@@ -98,12 +101,27 @@ void Form1::buildWidgets() {
     m_fontSelector->setMinimumContentsLength(10);
     m_pictureList = makeList("ListView1", m_pictureModel, m_pictureSelection, listPane);
     m_glyphList = makeList("ListView2", m_glyphModel, m_glyphSelection, listPane);
+    m_pictureFilter = new ListFilter(m_pictureList, edit::QueryFor::Pictures, [this](int row, const edit::RecordQuery& query) {
+        const auto& record = m_ws.ListView1[static_cast<std::size_t>(row)];
+        return query.matches(record, !query.needsDecoding() || pictureDecodable(row));
+    }, listPane);
+    m_pictureFilter->box()->setObjectName(QStringLiteral("FindPictures"));
+    m_glyphFilter = new ListFilter(m_glyphList, edit::QueryFor::Glyphs, [this](int row, const edit::RecordQuery& query) {
+        return query.matches(m_ws.ListView2[static_cast<std::size_t>(row)]);
+    }, listPane);
+    m_glyphFilter->box()->setObjectName(QStringLiteral("FindGlyphs"));
+    auto* findRow = new QHBoxLayout;
+    for (ListFilter* filter : {m_pictureFilter, m_glyphFilter}) {
+        findRow->addWidget(filter->box(), 1);
+        findRow->addWidget(filter->count());
+    }
 
     auto* listLayout = new QVBoxLayout(listPane);
     listLayout->setContentsMargins(6, 6, 0, 0);
     listLayout->setSpacing(4);
     listLayout->addWidget(m_tabStrip);
     listLayout->addWidget(m_fontSelector, 0, Qt::AlignLeft);
+    listLayout->addLayout(findRow);
     listLayout->addWidget(m_pictureList);
     listLayout->addWidget(m_glyphList);
 
@@ -245,6 +263,10 @@ void Form1::refreshFromWorkspace() {
     const bool picturesRead = m_pictureModel->update();
     const bool glyphsRead = m_glyphModel->update();
     if (picturesRead || glyphsRead) resizeListColumns();
+    if (picturesRead) m_decodable.clear();
+    // A new list, or marks that changed, under a search that is on.
+    m_pictureFilter->apply();
+    m_glyphFilter->apply();
     m_pictureSelection->show(m_ws.ListView1Selected);
     m_glyphSelection->show(m_ws.ListView2Selected);
     fillFontSelector();
@@ -292,6 +314,10 @@ void Form1::showTab() {
     const bool fonts = m_ws.TabStrip1 == 2;
     m_pictureList->setVisible(!fonts);
     m_glyphList->setVisible(fonts);
+    m_pictureFilter->box()->setVisible(!fonts);
+    m_pictureFilter->count()->setVisible(!fonts);
+    m_glyphFilter->box()->setVisible(fonts);
+    m_glyphFilter->count()->setVisible(fonts);
     m_textPreview->setVisible(fonts);
     m_fontSelector->setVisible(fonts);
     if (m_tabStrip->currentIndex() != m_ws.TabStrip1 - 1) {
@@ -325,6 +351,19 @@ void Form1::resizeListColumns() {
     const int total = sizes.value(0) + sizes.value(1);
     if (total > needed) m_splitter->setSizes({needed, total - needed});
     m_listPaneFitted = true;
+}
+
+bool Form1::pictureDecodable(int row) {
+    // Worked out once per list, when a search asks: decoding every picture takes about 10 ms.
+    if (m_decodable.size() != m_ws.ListView1.size()) {
+        m_decodable.assign(m_ws.ListView1.size(), 0);
+        codec::PixelCanvas scratch;
+        for (std::size_t n = 0; n < m_ws.ListView1.size() && m_ws.firmware; ++n) {
+            const edit::DecodedPicture decoded = edit::decodeFlashPicture(m_ws.firmware->bytes(), m_ws.ListView1[n], 24, 0, scratch);
+            m_decodable[n] = !decoded.stopped && !decoded.refused ? 1 : 0;
+        }
+    }
+    return m_decodable[static_cast<std::size_t>(row)] != 0;
 }
 
 }  // namespace korvatek::gui

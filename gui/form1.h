@@ -36,6 +36,7 @@ class OptionsDialog;
 class PictureListModel;
 class PreviewWidget;
 class TextPreview;
+class ListFilter;
 class WorkspaceSelection;
 
 class Form1 : public QMainWindow {
@@ -116,6 +117,10 @@ private:
 
     PictureListModel* m_pictureModel = nullptr;
     TextPreview* m_textPreview = nullptr;
+    ListFilter* m_pictureFilter = nullptr;
+    ListFilter* m_glyphFilter = nullptr;
+    std::vector<char> m_decodable;   // per picture: 1 when it can be decoded (asked by the search)
+    bool pictureDecodable(int row);
     GlyphListModel* m_glyphModel = nullptr;
     WorkspaceSelection* m_pictureSelection = nullptr;
     WorkspaceSelection* m_glyphSelection = nullptr;

@@ -10,6 +10,7 @@
 #include <array>
 
 #include "form1.h"
+#include "list_filter.h"
 #include "pixel_editor.h"
 #include "text_preview.h"
 #include "glyph_list_model.h"
@@ -210,6 +211,12 @@ void Form1::retranslate() {
     m_textPreview->retranslate();
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
     m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
+    using settings::MessageKey;
+    const auto text = [&](MessageKey key) { return toQString(table.text(key)); };
+    m_pictureFilter->setTexts(text(MessageKey::MsgFindPictures), text(MessageKey::MsgFindName), text(MessageKey::MsgFindCount),
+                              text(MessageKey::MsgFindUnread));
+    m_glyphFilter->setTexts(text(MessageKey::MsgFindGlyphs), text(MessageKey::MsgFindName), text(MessageKey::MsgFindCount),
+                            text(MessageKey::MsgFindUnread));
 }
 
 void Form1::editPicture() {

@@ -130,6 +130,11 @@ enum class MessageKey : int {
     MsgDropSummary,       // after files dropped by picture number: "Pictures replaced: %1 of %2"
     MsgDropNoNumber,      // a dropped file whose name is no picture number
     MsgDropTarget,        // the question for dropped BMP and PNG files: the type to store them as
+    MsgFindPictures,      // the search box's placeholder on the Pictures tab
+    MsgFindGlyphs,        // and on the Fonts tab
+    MsgFindCount,         // "%1 of %2" rows shown
+    MsgFindUnread,        // + the words the search box could not read
+    MsgFindName,          // the search box's accessible name
     Count
 };
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include "edit/text_render.h"
+
 namespace korvatek::edit {
 
 namespace {
@@ -102,14 +104,24 @@ std::string withPlainTimes(const std::string& word) {
 
 }  // namespace
 
-RecordQuery readQuery(std::string_view text) {
+RecordQuery readQuery(std::string_view text, QueryFor what) {
     RecordQuery query;
     std::size_t at = 0;
     while (at < text.size()) {
         const std::size_t start = text.find_first_not_of(" \t", at);
         if (start == std::string_view::npos) break;
         const std::size_t end = std::min(text.find_first_of(" \t", start), text.size());
-        const std::string word = withPlainTimes(lower(text.substr(start, end - start)));
+        const std::string_view typed = text.substr(start, end - start);
+        if (what == QueryFor::Glyphs) {
+            // One character, not a digit: the glyph of that character.
+            const std::u32string character = codePoints(typed);
+            if (character.size() == 1 && !(character[0] >= U'0' && character[0] <= U'9')) {
+                query.conditions.push_back({Field::Number, Compare::Equal, static_cast<std::int64_t>(character[0])});
+                at = end;
+                continue;
+            }
+        }
+        const std::string word = withPlainTimes(lower(typed));
         if (const auto condition = readWord(word)) query.conditions.push_back(*condition);
         else query.unreadWords.push_back(std::string(text.substr(start, end - start)));
         at = end;

@@ -8,8 +8,9 @@
 //   w>100  h<=32  w=16 width or height compared (<, <=, =, >=, >)
 //   type:88  t:A0      the Type column's first two digits, in hex
 //   changed  unchanged not-decodable  decodable
-// For glyphs the number is the "#" code; they have no type and are all decodable. A word that
-// reads as none of these is told back (and nothing matches), not silently dropped.
+// For glyphs the number is the "#" code, and a word of one character other than a digit finds
+// the glyph of that character (its code); glyphs have no type and are all decodable. A word
+// that reads as none of these is told back (and nothing matches), not silently dropped.
 
 #include <cstdint>
 #include <optional>
@@ -41,6 +42,7 @@ struct RecordQuery {
     bool matches(const fonts::GlyphRecord& record) const;
 };
 
-RecordQuery readQuery(std::string_view text);
+enum class QueryFor { Pictures, Glyphs };
+RecordQuery readQuery(std::string_view text, QueryFor what = QueryFor::Pictures);
 
 }  // namespace korvatek::edit

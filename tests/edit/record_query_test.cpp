@@ -46,6 +46,13 @@ TEST(RecordQuery, glyphsByCodeAndSize) {
     EXPECT_TRUE(readQuery("7x12 w<8").matches(glyph));
     EXPECT_FALSE(readQuery("t:00").matches(glyph));
     EXPECT_FALSE(readQuery("changed").matches(glyph));
+    // a character typed finds its glyph; for pictures a lone "A" is still hex
+    EXPECT_TRUE(readQuery("A", QueryFor::Glyphs).matches(glyph));
+    EXPECT_FALSE(readQuery("a", QueryFor::Glyphs).matches(glyph));
+    EXPECT_TRUE(readQuery("65 7x12", QueryFor::Glyphs).matches(glyph));
+    glyph.code = 0x401;
+    EXPECT_TRUE(readQuery("Ё", QueryFor::Glyphs).matches(glyph));
+    EXPECT_EQ(readQuery("A").conditions.at(0).value, 10);
 }
 
 }  // namespace korvatek::edit

@@ -130,6 +130,11 @@ const LanguageTexts& LanguageEN() {
             "Pictures replaced: %1 of %2",
             "its name is not a picture number",
             "Store the dropped pictures as:",
+            "Find: 5, x1F, 176x220, w>100, type:88, changed, not-decodable",
+            "Find: 65, A, 7x12, w>8, changed",
+            "%1 of %2",
+            "Not understood: ",
+            "Find",
         },
         {
             "File", "Open", "Exit", "Tools", "Compare GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Options", "About", "Check patch..",

@@ -130,6 +130,11 @@ const LanguageTexts& LanguagePL() {
             "Zastąpione obrazki: %1 z %2",
             "nazwa nie jest numerem obrazka",
             "Zapisz upuszczone obrazki jako:",
+            "Szukaj: 5, x1F, 176x220, w>100, type:88, changed, not-decodable",
+            "Szukaj: 65, A, 7x12, w>8, changed",
+            "%1 z %2",
+            "Nie zrozumiano: ",
+            "Szukaj",
         },
         {
             "Plik", "Otwórz", "Zakończ", "Narzędzia", "Porównaj GPF", "Lumbra (Korvatek) g.patch>GPF2", "Opcje", "O programie", "Sprawdź łatkę..",

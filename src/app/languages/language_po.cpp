@@ -130,6 +130,11 @@ const LanguageTexts& LanguagePO() {
             "Imagens substituídas: %1 de %2",
             "o nome não é um número de imagem",
             "Gravar as imagens soltas como:",
+            "Procurar: 5, x1F, 176x220, w>100, type:88, changed, not-decodable",
+            "Procurar: 65, A, 7x12, w>8, changed",
+            "%1 de %2",
+            "Não entendido: ",
+            "Procurar",
         },
         {
             "Arquivo", "Abrir", "Sair", "Ferramentas", "Comparar GPFs", "Lumbra (Korvatek) g.patch>GPF2s", "Opções", "Sobre", "Verificar patch..",

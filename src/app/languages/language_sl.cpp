@@ -130,6 +130,11 @@ const LanguageTexts& LanguageSL() {
             "Nahradené obrázky: %1 z %2",
             "názov súboru nie je číslo obrázka",
             "Uložiť pretiahnuté obrázky ako:",
+            "Hľadať: 5, x1F, 176x220, w>100, type:88, changed, not-decodable",
+            "Hľadať: 65, A, 7x12, w>8, changed",
+            "%1 z %2",
+            "Nezrozumiteľné: ",
+            "Hľadať",
         },
         {
             "Súbor", "Otvoriť", "Koniec", "Nástroje", "Porovnať GPF", "Lumbra (Korvatek) g.patch>GPF2", "Možnosti", "O programe", "Skontrolovať patch..",
