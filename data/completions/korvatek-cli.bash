@@ -6,8 +6,8 @@ _korvatek_cli()
     # '=' and ':' stay inside words: N=FILE.bmp:TYPE is one argument.
     _init_completion -n =: || return
 
-    local commands="info pictures picture export patch apply decode encode convert make lumbra
-        fonts glyphs glyph font-size font-patch make-font demo-flash"
+    local commands="info pictures picture export patch apply status revert merge decode encode convert make
+        lumbra fonts glyphs glyph font-size font-patch make-font render demo-flash"
 
     if ((cword == 1)); then
         COMPREPLY=($(compgen -W "$commands help --help -h --version" -- "$cur"))
@@ -17,13 +17,16 @@ _korvatek_cli()
     local command=${words[1]} options="--help"
     case $command in
         export) options+=" -o --dir --format --alpha" ;;
-        patch) options+=" -o --gpf-folder --bmp-folder" ;;
+        patch) options+=" -o --json --gpf-folder --bmp-folder" ;;
+        info | pictures | fonts | glyphs | status) options+=" --json" ;;
+        render) options+=" -o --zoom" ;;
+        revert | merge) options+=" -o" ;;
         decode) options+=" -o --alpha" ;;
         encode) options+=" -o --type" ;;
         glyph) options+=" -o --dir" ;;
         font-patch) options+=" -o --bmp-folder" ;;
         apply | convert | font-size | make-font) options+=" -o" ;;
-        info | pictures | picture | fonts | glyphs | make | lumbra | demo-flash) ;;
+        picture | make | lumbra | demo-flash) ;;
         *) return ;;
     esac
 
@@ -32,7 +35,8 @@ _korvatek_cli()
         -o)
             case $command in
                 export) _filedir '@(gpf2|bmp)' ;;
-                patch | font-size | font-patch | make-font) _filedir vkp ;;
+                patch | font-size | font-patch | make-font | revert | merge) _filedir vkp ;;
+                render) _filedir png ;;
                 apply) _filedir bin ;;
                 decode | glyph) _filedir bmp ;;
                 encode) _filedir '@(gpf2|gpf)' ;;
@@ -87,7 +91,7 @@ _korvatek_cli()
     for ((i = 2; i < cword; i++)); do
         if [[ -z $ended && ${words[i]} == -- ]]; then
             ended=1
-        elif [[ -z $ended && ${words[i]} == @(-o|--dir|--format|--type|--gpf-folder|--bmp-folder) ]]; then
+        elif [[ -z $ended && ${words[i]} == @(-o|--dir|--format|--type|--gpf-folder|--bmp-folder|--zoom) ]]; then
             ((i++))
         elif [[ -n $ended || ${words[i]} != -[!0-9]* ]]; then
             ((position++))
@@ -101,11 +105,11 @@ _korvatek_cli()
                 decode | convert) _filedir '@(gpf|gpf2|dat)' ;;
                 encode) _filedir '@(bmp|png)' ;;
                 make) _filedir -d ;;
-                lumbra) _filedir vkp ;;
+                lumbra | revert | merge) _filedir vkp ;;
                 *) _filedir bin ;;
             esac
             ;;
-        apply:2) _filedir vkp ;;
+        apply:2 | status:* | merge:*) _filedir vkp ;;
         make:2 | lumbra:2 | make-font:3) _filedir -d ;;
         export:2 | glyph:3) COMPREPLY=($(compgen -W "all" -- "$cur")) ;;
     esac
