@@ -104,8 +104,15 @@ void Workspace::replaceGlyph(ByteView bmp) {
     ReverseByteOrder = false;
     fonts::CollectedGlyph glyph = *replaced.glyph;
     glyph.number = static_cast<int>(CurrentGlyphNumber);
+    rememberStep(PendingStep::Kind::AddGlyph, collectedGlyphs.size(), {}, {glyph});
     collectedGlyphs.push_back(glyph);
+    mirrorGlyphFiles();
+    ListView2[static_cast<std::size_t>(index)].replaced = true;
+    journalAppend(journalLine(GlyphPatchFont, glyph));
+    ++m_pendingGeneration;
+}
 
+void Workspace::mirrorGlyphFiles() {
     // The two collecting files in the temporary folder mirror what is collected.
     Bytes data;
     Bytes records;
@@ -116,7 +123,6 @@ void Workspace::replaceGlyph(ByteView bmp) {
     }
     (void)writeFile(temporaryPath("/Korvatek.temp"), data);
     (void)writeFile(temporaryPath("/Korvatek_2.temp"), records);
-    ListView2[static_cast<std::size_t>(index)].replaced = true;
 }
 
 void Workspace::mnuPopup2_SavePatch() {
@@ -132,10 +138,17 @@ void Workspace::mnuPopup2_SavePatch() {
     const std::string text = fonts::glyphPatchText(GlyphPatchFont, FirmwareId, collectedGlyphs, firmware->bytes());
     if (!writeOutput(target, bytesOf(text))) return;
     mnuPopup2_DiscardPatch();
+    // Written: no step of it can be taken back.
+    forgetSteps(false);
     showSuccess();
 }
 
 void Workspace::mnuPopup2_DiscardPatch() {
+    if (!collectedGlyphs.empty()) {
+        rememberStep(PendingStep::Kind::DropGlyphs, 0, {}, collectedGlyphs);
+        collectedGlyphs.clear();
+        pendingChanged(true);
+    }
     GlyphPatchInProgress = false;
     collectedGlyphs.clear();
     deleteFile(temporaryPath("/Korvatek.temp"));

@@ -135,6 +135,22 @@ enum class MessageKey : int {
     MsgFindCount,         // "%1 of %2" rows shown
     MsgFindUnread,        // + the words the search box could not read
     MsgFindName,          // the search box's accessible name
+    MsgJournalRestore,   // asked at start when the journal holds changes
+    MsgJournalCount,     // + how many changes
+    MsgJournalFlashChanged, // + the fullflash's path
+    MsgPendingTitle,     // the pending-changes panel
+    MsgPendingPicture,   // "Picture " + number
+    MsgPendingGlyph,     // "Glyph " + code
+    MsgPendingInPlace,   // where: in place at + address
+    MsgPendingMoved,     // where: moved to free space at + address
+    MsgPendingGlyphWhere, // where, for a glyph: its record at + address
+    MsgPendingColumns,   // the panel's column titles, separated by |
+    MsgPendingRemove,    // the remove button
+    MsgFreeSpaceGauge,   // "%1 bytes of free space used, %2 left"
+    MsgPendingDescription, // the panel list's accessible description
+    MsgShowReplacement,  // the preview's before/after toggle
+    MsgShowReplacementTip, // its tooltip
+    MsgPendingEmpty,     // the panel when nothing waits
     Count
 };
 

@@ -52,8 +52,9 @@ void Workspace::AddPictureToPatch() {
     replacement.height = picture.height;
     replacement.typeText = picture.typeText;
     replacement.dataLength = static_cast<std::uint64_t>(static_cast<std::uint32_t>(valHEX(picture.dataLength)));
-    const edit::PicturePlacement placed = edit::placePicture(firmware->bytes(), row, oldLength, *container, replacement,
-                                                             static_cast<std::uint32_t>(valHEX(FreeSpaceStart)));
+    const auto searchStart = static_cast<std::uint32_t>(valHEX(FreeSpaceStart));
+    const edit::PicturePlacement placed =
+        edit::placePicture(firmware->bytes(), row, oldLength, *container, replacement, searchStart);
     if (placed.error) return fail(*placed.error);
     if (placed.kind == edit::PicturePlacement::Kind::Moved) {
         FreeSpaceStart = hexText(placed.nextFreeSpace);
@@ -62,12 +63,20 @@ void Workspace::AddPictureToPatch() {
     if (!PatchInProgress) {
         PatchInProgress = true;
         PicturePatchText = patch::pictureHeader(PhoneModel);
+        m_freeSpaceBase = searchStart;
     }
     ReverseByteOrder = false;
     PicturePatchText += placed.section;
     // The patch is kept in memory; the collecting file in the temporary folder mirrors it.
     (void)writeFile(collectingPatchPath(), PicturePatchText);
     row.replaced = true;
+
+    PendingPicture pending{firmware, row, oldLength, std::make_shared<const Bytes>(std::move(*container)),
+                           replacement, placed.kind, placed.address, placed.length};
+    rememberStep(PendingStep::Kind::AddPicture, m_pendingPictures.size(), {pending}, {});
+    m_pendingPictures.push_back(std::move(pending));
+    journalAppend(journalLine(m_freeSpaceBase, m_pendingPictures.back()));
+    ++m_pendingGeneration;
 }
 
 void Workspace::mnuPopup_LoadGPF() {
@@ -298,10 +307,20 @@ void Workspace::mnuPopup_SavePatch() {
     PicturePatchText.clear();
     deleteFile(collectingPatchPath());
     for (auto& row : ListView1) row.replaced = false;
+    // Written: nothing of it is pending any more, and no step of it can be taken back.
+    m_pendingPictures.clear();
+    forgetSteps(true);
+    pendingChanged(true);
     showSuccess();
 }
 
 void Workspace::mnuPopup_DiscardPatch() {
+    if (!m_pendingPictures.empty()) {
+        // Undo brings the discarded pictures back.
+        rememberStep(PendingStep::Kind::DropPictures, 0, m_pendingPictures, {});
+        m_pendingPictures.clear();
+        pendingChanged(true);
+    }
     PatchInProgress = false;
     PicturePatchText.clear();
     deleteFile(collectingPatchPath());

@@ -21,6 +21,7 @@
 #include "fonts/font_patch.h"
 #include "fonts/glyph_record.h"
 #include "app/message_table.h"
+#include "app/pending_changes.h"
 #include "app/settings_store.h"
 
 namespace korvatek::app {
@@ -115,6 +116,29 @@ public:
     void mnuPopup_DiscardPatch();               // drops the collected patch and its marks
     bool mnuPopup_SavePatchEnabled() const { return PatchInProgress; }
     std::string collectingPatchPath() const;
+
+    // ---- the changes waiting in the two patches (the pending-changes panel). Taking one back
+    // plans the picture patch again from the start, so that what is saved then is what a fresh
+    // session doing the remaining changes in order would save. Each is a step undo can take back.
+    bool removePendingPicture(int number);
+    bool removePendingGlyph(int number);
+    bool undoPending();
+    bool redoPending();
+    bool canUndoPending() const { return !m_undo.empty(); }
+    bool canRedoPending() const { return !m_redo.empty(); }
+    FreeSpaceGauge freeSpaceGauge() const;
+    // Counts every change to the pending lists, so a view knows when to read them again.
+    std::uint64_t pendingGeneration() const { return m_pendingGeneration; }
+    const std::vector<PendingPicture>& pendingPictures() const { return m_pendingPictures; }
+
+    // ---- the journal of pending changes: kept at `journalPath` (none when empty) as changes
+    // are made, removed when nothing is pending.
+    std::string journalPath;
+    std::optional<PendingJournal> readPendingJournal() const;
+    // Opens the journal's fullflash unless it is open, and brings its changes back; false (and
+    // told) when that fullflash is gone or is not the same any more.
+    bool restorePendingJournal(const PendingJournal& journal);
+    void forgetPendingJournal();
 
     // ---- Tools: Make, the other tool's patches, checking and applying a patch
     void mnu_ToolsMake();
@@ -256,6 +280,26 @@ public:
     int outputFailures = 0;           // files that could not be written, counted for batches
 
 private:
+    // The pending lists changed: plan the picture patch again, mark the rows, write the journal.
+    void replanPictures();
+    void markPendingGlyphs();
+    void mirrorGlyphFiles();
+    void pendingChanged(bool rewriteJournal);
+    void journalAppend(const std::string& line);
+    void rememberStep(PendingStep::Kind kind, std::size_t index, std::vector<PendingPicture> pictures,
+                      std::vector<fonts::CollectedGlyph> glyphs);
+    void rewriteJournal();
+    void forgetSteps(bool pictures);
+    void applyStep(const PendingStep& step, bool undo);
+    std::vector<PendingPicture> m_pendingPictures;
+    std::uint32_t m_freeSpaceBase = 0;                    // FreeSpaceStart when the picture patch began
+    std::vector<PendingStep> m_undo;
+    std::vector<PendingStep> m_redo;
+    std::uint64_t m_pendingGeneration = 0;
+    const ReadOnlyFile* m_checksummed = nullptr;          // the file m_checksum belongs to
+    std::uint64_t m_checksum = 0;
+    bool m_journalHasHead = false;
+
     void openFirmware(const std::string& path);
     void decodeContainer(ByteReader& in, int width, int height, const std::string& typeText);
     // LoadGPF's work once the file is read.
