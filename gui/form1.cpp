@@ -72,6 +72,7 @@ Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
     setWindowTitle(QString::fromLatin1(kApplicationName));
     buildWidgets();
     buildMenus();
+    buildPendingPanel();
     m_ui.setProgressBar(m_progress);
     m_ui.setMessages(m_ws.messages);
     installDropTargets();
@@ -178,6 +179,7 @@ void Form1::startUp(const QStringList& arguments) {
     const std::string commandLine = commandLineText(arguments);
     runCommand([&] { m_ws.startUp(commandLine, *m_settingsStore); });
     retranslate();
+    offerJournalRestore();
 }
 
 void Form1::runCommand(const std::function<void()>& command) {
@@ -273,6 +275,7 @@ void Form1::refreshFromWorkspace() {
     updateCommandStates();
     showPreview();
     m_textPreview->refresh();
+    refreshPending();
     showTab();
     m_progress->setValue(static_cast<int>(std::lround(std::clamp(m_ws.progress, 0.0, 100.0))));
     m_fileStatus->setText(m_ws.firmware ? QStringLiteral("%1   %2   %3")
@@ -298,7 +301,10 @@ void Form1::showPreview() {
     const app::Preview& preview = m_ws.preview;
     switch (preview.source) {
         case app::Preview::Source::Picture:
-            m_preview->setImage(canvasImage(m_ws.canvas, preview.width, preview.height));
+            if (QImage replacement = shownReplacement(); !replacement.isNull())
+                m_preview->setImage(std::move(replacement));
+            else
+                m_preview->setImage(canvasImage(m_ws.canvas, preview.width, preview.height));
             break;
         case app::Preview::Source::Glyph:
             m_preview->setImage(canvasImage(m_ws.glyphGrid, preview.width, preview.height));

@@ -19,6 +19,9 @@
 #include "app/settings_store.h"
 
 class QAction;
+class QCheckBox;
+class QDockWidget;
+class QToolButton;
 class QDragEnterEvent;
 class QDropEvent;
 class QComboBox;
@@ -34,6 +37,7 @@ namespace korvatek::gui {
 class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
+class PendingPanel;
 class PreviewWidget;
 class TextPreview;
 class ListFilter;
@@ -65,6 +69,22 @@ public:
     void editGlyph();
     // The picture editor on the selected picture; Apply queues its pixels as Load BMP would.
     void editPicture();
+
+    // Runs a command as a menu item does (one at a time; running out of memory is told), then
+    // shows the Workspace again.
+    void runCommand(const std::function<void()>& command);
+
+    // ---- the changes waiting in the patches (form1_pending.cpp)
+    // Where the journal of pending changes is kept; none (the default) keeps no journal.
+    void setJournalPath(const std::string& path) { m_ws.journalPath = path; }
+    // At start-up: a journal left by a session that did not end offers its changes back.
+    void offerJournalRestore();
+    void undoPending();
+    void redoPending();
+    PendingPanel& pendingPanel() { return *m_pendingPanel; }
+    QDockWidget* pendingDock() const { return m_pendingDock; }
+    // The preview's toggle: the replacement waiting in the patch instead of the fullflash's picture.
+    QCheckBox* showReplacementBox() const { return m_showReplacement; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -100,7 +120,6 @@ private:
     void updateCommandStates();
     void copyToClipboard(const std::optional<std::string>& text);
 
-    void runCommand(const std::function<void()>& command);
     void refreshFromWorkspace();
     void fillFontSelector();
     void showPreview();
@@ -109,6 +128,18 @@ private:
     void pictureRowRequested(int row);
     void glyphRowRequested(int row);
     void showPopup(QTreeView* list, QMenu* popup, const QPoint& position);
+
+    void buildPendingPanel();
+    void refreshPending();
+    void retranslatePending();
+    // The selected picture's pending replacement, when the toggle asks for it; null otherwise.
+    QImage shownReplacement() const;
+    PendingPanel* m_pendingPanel = nullptr;
+    QDockWidget* m_pendingDock = nullptr;
+    QToolButton* m_pendingToggle = nullptr;
+    QCheckBox* m_showReplacement = nullptr;
+    QAction* m_undoPending = nullptr;
+    QAction* m_redoPending = nullptr;
 
     QtUserInterface m_ui;
     app::Workspace m_ws;

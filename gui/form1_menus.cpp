@@ -209,6 +209,7 @@ void Form1::retranslate() {
     m_tabStrip->setTabText(1, captionText(table.caption(CaptionKey::TabFonts)));
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
+    retranslatePending();
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
     m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
     using settings::MessageKey;

@@ -1,6 +1,8 @@
 // korvatek: the window. One optional argument names a fullflash or a graphic patch file to
 // open at start-up.
 #include <QApplication>
+#include <QDir>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <cstdio>
@@ -34,6 +36,10 @@ int main(int argc, char** argv) {
 
     korvatek::gui::Form1 window(std::make_unique<korvatek::gui::QSettingsStore>(),
                                 korvatek::gui::makeAssociationStore());
+    // Pending changes are journalled beside the settings, so a crash or a kill loses none.
+    const QString configFolder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
+    if (!configFolder.isEmpty() && QDir().mkpath(configFolder))
+        window.setJournalPath(QDir(configFolder).filePath(QStringLiteral("pending-changes.journal")).toStdString());
     window.show();
     QStringList arguments = QApplication::arguments();
     arguments.removeFirst();
