@@ -2,6 +2,7 @@
 // remaining changes would write (moved pictures close up in the free space), undo and redo
 // must walk back and forth through exactly the same patches, and the journal must bring a
 // killed session's changes back as they were.
+#include <csignal>
 #include <filesystem>
 #include <functional>
 
@@ -213,6 +214,29 @@ TEST_F(PendingChanges, theJournalBringsAKilledSessionsChangesBackExactly) {
     EXPECT_FALSE(std::filesystem::exists(ws.journalPath));
     EXPECT_FALSE(app::readJournal("not a journal\n").has_value());
 }
+
+
+#if GTEST_HAS_DEATH_TEST && !defined(_WIN32)
+// A real kill: the changes made before it come back in the next process.
+TEST_F(PendingChanges, aSessionKilledWithSigkillLosesNothing) {
+    const std::string journal = file("killed.journal");
+    EXPECT_EXIT(
+        {
+            ws.journalPath = journal;
+            open(demoFlashPath());
+            for (const Change& c : {kA, kC, kD}) replace(ws, c);
+            std::raise(SIGKILL);
+        },
+        ::testing::KilledBySignal(SIGKILL), "");
+    app::ScriptedInterface answers;
+    app::Workspace next(answers);
+    next.journalPath = journal;
+    const auto found = next.readPendingJournal();
+    ASSERT_TRUE(found.has_value());
+    ASSERT_TRUE(next.restorePendingJournal(*found));
+    EXPECT_EQ(next.PicturePatchText, freshPatch({kA, kC, kD}));
+}
+#endif
 
 }  // namespace
 }  // namespace korvatek::testing

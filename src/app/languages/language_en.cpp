@@ -144,7 +144,7 @@ const LanguageTexts& LanguageEN() {
             "in place at 0x",
             "moved to free space at 0x",
             "glyph record at 0x",
-            "Change|Before|After|Where|Bytes",
+            "Change|Before|After|Bytes|Where",
             "Remove",
             "Free space: %1 bytes used, %2 left",
             "Every change waiting to be written to a patch: what it replaces, before and after, and where its bytes go. Delete removes the selected change",

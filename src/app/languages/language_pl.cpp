@@ -144,7 +144,7 @@ const LanguageTexts& LanguagePL() {
             "w tym samym miejscu, pod adresem 0x",
             "przeniesiony do wolnego miejsca pod adres 0x",
             "rekord znaku pod adresem 0x",
-            "Zmiana|Przed|Po|Gdzie|Bajty",
+            "Zmiana|Przed|Po|Bajty|Gdzie",
             "Usuń",
             "Wolne miejsce: zajęte %1 bajtów, zostało %2",
             "Wszystkie zmiany czekające na zapis w łatce: co zastępują, przed i po, oraz dokąd trafią ich bajty. Delete usuwa zaznaczoną zmianę",

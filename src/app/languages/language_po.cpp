@@ -144,7 +144,7 @@ const LanguageTexts& LanguagePO() {
             "no mesmo lugar, em 0x",
             "movida para o espaço livre em 0x",
             "registro do caractere em 0x",
-            "Alteração|Antes|Depois|Onde|Bytes",
+            "Alteração|Antes|Depois|Bytes|Onde",
             "Remover",
             "Espaço livre: %1 bytes usados, %2 restantes",
             "Todas as alterações que aguardam gravação em um patch: o que substituem, antes e depois, e para onde vão os bytes. Delete remove a alteração selecionada",

@@ -144,7 +144,7 @@ const LanguageTexts& LanguageSL() {
             "na mieste, na adrese 0x",
             "presunuté do voľného miesta na adresu 0x",
             "záznam znaku na adrese 0x",
-            "Zmena|Pred|Po|Kam|Bajty",
+            "Zmena|Pred|Po|Bajty|Kam",
             "Odstrániť",
             "Voľné miesto: použitých %1 bajtov, zostáva %2",
             "Všetky zmeny čakajúce na zápis do patchu: čo nahrádzajú, pred a po, a kam idú ich bajty. Delete odstráni vybranú zmenu",
