@@ -18,7 +18,10 @@
 #include "edit/text_render.h"
 #include "base/file_io.h"
 #include "firmware/layout.h"
+#include "app/workspace.h"
+#include "pending_panel.h"
 #include "pixel_editor.h"
+#include "support/scripted_interface.h"
 
 namespace {
 
@@ -69,9 +72,34 @@ int main(int argc, char** argv) {
     const std::u32string line = U"The quick brown fox jumps over the lazy dog 0123456789";
     const double text = timed(15, [&](int) { (void)edit::renderText(flash->bytes(), font.table.rows, line); });
 
+    // The pending-changes panel: 300 pictures waiting, most moved to free space; one taken back
+    // plans the other 299 again, and the panel reads the list with its thumbnails.
+    app::ScriptedInterface answers;
+    app::Workspace ws(answers);
+    answers.openFiles.push_back(flashPath);
+    ws.mnu_FileOpen();
+    edit::PixelGrid block(48, 48);
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 48; ++x) block.set(x, y, 0xFF000000u | static_cast<edit::Colour>((x * 37 + y * 91) * 2654435761u >> 8));
+    const Bytes blockBmp = *edit::gridBmp(block);
+    for (int n = 1; n <= 300; ++n) {
+        ws.selectPicture(n);
+        ws.ListView1_Click();
+        ws.applyEditedPicture(blockBmp, 0x8A);
+    }
+    const double replan = timed(9, [&](int) {
+        ws.removePendingPicture(ws.pendingPictures().front().record.number);
+        ws.undoPending();
+    }) / 2;
+    gui::PendingChangesModel pending(ws);
+    const double panel = timed(9, [&](int) { pending.update(true); });
+
     std::printf("240x320 picture editor (%dx%d), a dot and the repaint of a 1000x700 view: %.2f ms\n", grid.width(),
                 grid.height(), repaint);
     std::printf("240x320 picture as 16 bits will store it: %.2f ms\n", stored);
     std::printf("text preview, %zu characters in font 0: %.3f ms\n", line.size(), text);
+    std::printf("one of %zu pending pictures taken back, the rest planned again: %.2f ms\n", ws.pendingPictures().size(),
+                replan);
+    std::printf("pending-changes panel read with its thumbnails, %d rows: %.2f ms\n", pending.rowCount(), panel);
     return 0;
 }
