@@ -96,6 +96,9 @@ private:
     void installDropTargets();
     void dropFiles(const std::vector<QString>& files, DropOn on, int row, const QPoint& where);
     std::optional<int> askDropTarget(const QPoint& where);
+    // While files are dragged over a list, the row they would land on is outlined.
+    void markDropTarget(QWidget* over, const QRect& area);
+    QWidget* m_dropMark = nullptr;
 public:
 
     // Popups appear through this; by default the menu opens at the pointer.

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QFrame>
 #include <QMenu>
 #include <QMimeData>
 #include <QTreeView>
@@ -60,15 +61,45 @@ void Form1::installDropTargets() {
     }
 }
 
+void Form1::markDropTarget(QWidget* over, const QRect& area) {
+    if (over == nullptr || area.isEmpty()) {
+        if (m_dropMark != nullptr) m_dropMark->hide();
+        return;
+    }
+    if (m_dropMark == nullptr || m_dropMark->parentWidget() != over) {
+        delete m_dropMark;
+        auto* mark = new QFrame(over);
+        mark->setObjectName(QStringLiteral("dropMark"));
+        mark->setAttribute(Qt::WA_TransparentForMouseEvents);
+        mark->setStyleSheet(QStringLiteral("#dropMark { border: 2px solid palette(highlight); background: transparent; }"));
+        m_dropMark = mark;
+    }
+    m_dropMark->setGeometry(area);
+    m_dropMark->show();
+    m_dropMark->raise();
+}
+
 bool Form1::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
+    if (type == QEvent::DragLeave) markDropTarget(nullptr, {});
     if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return QMainWindow::eventFilter(watched, event);
     auto* drop = static_cast<QDropEvent*>(event);
     const std::vector<QString> files = localFiles(drop->mimeData());
     if (files.empty()) return QMainWindow::eventFilter(watched, event);
     drop->acceptProposedAction();
-    if (type != QEvent::Drop) return true;
     const QPoint at = drop->position().toPoint();
+    if (type != QEvent::Drop) {
+        QRect area;
+        for (QTreeView* list : {m_pictureList, m_glyphList}) {
+            if (watched != list->viewport()) continue;
+            const QModelIndex row = list->indexAt(at);
+            if (row.isValid()) area = QRect(0, list->visualRect(row).top(), list->viewport()->width(), list->visualRect(row).height());
+        }
+        if (watched == m_preview) area = m_preview->rect();
+        markDropTarget(static_cast<QWidget*>(watched), area);
+        return true;
+    }
+    markDropTarget(nullptr, {});
     if (watched == m_pictureList->viewport()) {
         dropFiles(files, DropOn::Picture, m_pictureList->indexAt(at).row(), m_pictureList->viewport()->mapToGlobal(at));
     } else if (watched == m_glyphList->viewport()) {

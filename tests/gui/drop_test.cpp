@@ -78,6 +78,25 @@ private slots:
         QVERIFY(ws.ListView2[64].replaced);
     }
 
+    void theRowUnderADragIsOutlined() {
+        m_window->startUp({demoFlashPath()});
+        auto* list = m_window->findChild<QTreeView*>("ListView1");
+        const QPoint at = list->visualRect(list->model()->index(5, 0)).center();
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(demoPictureGpf2(5))});
+        QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(list->viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(list->viewport(), &move);
+        auto* mark = list->viewport()->findChild<QWidget*>("dropMark");
+        QVERIFY(mark && mark->isVisible());
+        QVERIFY(mark->geometry().contains(at));
+        QVERIFY(m_window->grab().save(QStringLiteral(KORVATEK_SCREENSHOT_DIR "/drop.png")));
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(list->viewport(), &leave);
+        QVERIFY(!mark->isVisible());
+    }
+
 private:
     static void drop(QWidget* target, const QStringList& files, QPoint at) {
         QMimeData mime;
