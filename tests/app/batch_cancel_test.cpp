@@ -1,0 +1,157 @@
+// Cancel between the items of a batch: the files and replacements made before it stay, whole,
+// the message says how far the batch got instead of the success, and an interface that never
+// cancels (the command line's) sees every batch run as it always has.
+#include <filesystem>
+#include <map>
+
+#include "support/workspace_test.h"
+
+namespace korvatek::testing {
+namespace {
+
+using enum settings::MessageKey;
+
+// Answers "cancelled" the stopAt-th time it is asked (never when stopAt is 0).
+class Stopper : public app::ScriptedInterface {
+public:
+    int stopAt = 0;
+    int asked = 0;
+    bool cancelRequested() override { return ++asked == stopAt; }
+};
+
+class BatchCancel : public WorkspaceTest {
+protected:
+    void openInto(app::Workspace& w, app::ScriptedInterface& answers, const std::string& path) {
+        answers.openFiles.push_back(path);
+        w.mnu_FileOpen();
+        answers.messages.clear();
+    }
+    // The files of a folder by name, with their bytes.
+    std::map<std::string, Bytes> filesIn(const std::string& dir) const {
+        std::map<std::string, Bytes> files;
+        for (const auto& entry : std::filesystem::directory_iterator(dir))
+            files[entry.path().filename().string()] = readAll(entry.path().string());
+        return files;
+    }
+    std::string folderNamed(const std::string& name) {
+        std::filesystem::create_directories(file(name));
+        return file(name);
+    }
+    std::string cancelled(settings::MessageKey key, int done, int total) const {
+        return settings::fillIn(settings::fillIn(text(key), "%1", std::to_string(done)), "%2", std::to_string(total));
+    }
+    Stopper stopper;
+    app::Workspace stopping{stopper};
+};
+
+// The sample's table has 1701 rows, pictures from 0 to 6; the walk is asked before each row but
+// the first.
+TEST_F(BatchCancel, savingAllStopsBetweenPicturesKeepingExactlyTheFilesBefore) {
+    const std::string flash = sampleFlash().writeTo("sample.bin");
+    openInto(ws, ui, flash);
+    openInto(stopping, stopper, flash);
+    for (const bool bmp : {false, true}) {
+        const std::string full = folderNamed(bmp ? "full-bmp" : "full-gpf");
+        const std::string never = folderNamed(bmp ? "never-bmp" : "never-gpf");
+        const std::string part = folderNamed(bmp ? "part-bmp" : "part-gpf");
+        const auto saveAll = [bmp](app::Workspace& w) { bmp ? w.mnuPopup_SaveAllBMP() : w.mnuPopup_SaveAllGPF(); };
+        ui.messages.clear();
+        ui.folders = {full};
+        saveAll(ws);
+        // Never cancelled: the same files and messages as an interface that cannot cancel.
+        stopper = Stopper{};
+        stopper.folders = {never};
+        saveAll(stopping);
+        EXPECT_EQ(stopper.asked, 1700);
+        EXPECT_EQ(stopper.messages, ui.messages);
+        EXPECT_EQ(filesIn(never), filesIn(full));
+        EXPECT_FALSE(stopping.ActionFailed);
+
+        stopper = Stopper{};
+        stopper.stopAt = 3;
+        stopper.folders = {part};
+        stopper.answers = {true};   // keep the alpha channel: forgotten after the cancel too
+        saveAll(stopping);
+        std::map<std::string, Bytes> before = filesIn(full);
+        std::erase_if(before, [](const auto& f) { return f.first >= "0003"; });
+        EXPECT_EQ(filesIn(part), before);
+        // Row 2 has no data and says so, as in the full run; the success is not claimed.
+        EXPECT_EQ(stopper.messageTexts(),
+                  (std::vector<std::string>{text(MsgDataOffsetZero), "Cancelled after 3 of 1701 pictures."}));
+        EXPECT_TRUE(stopping.ActionFailed);
+        EXPECT_FALSE(stopping.BatchKeepAlpha);
+    }
+}
+
+TEST_F(BatchCancel, aFolderReplacementStoppedKeepsThePicturesItAdded) {
+    openInto(stopping, stopper, sampleFlash().writeTo("sample.bin"));
+    folderNamed("gpf");
+    container("gpf/0000.gpf2", true, 3, 2, 0x08, Bytes(12, 0x33));
+    container("gpf/0005.gpf2", true, 1, 1, 0x05, Bytes{0x22});
+    folderNamed("bmp");
+    bitmap("bmp/0003.bmp", 2, 1);
+    bitmap("bmp/0006.bmp", 1, 1);
+    for (const bool bmp : {false, true}) {
+        stopper.stopAt = stopper.asked + 4;   // before picture 4
+        stopper.folders = {file(bmp ? "bmp" : "gpf")};
+        bmp ? stopping.mnuPopup_LoadBMPs(0x88) : stopping.mnuPopup_LoadGPFfolder();
+        EXPECT_EQ(stopper.messageTexts().back(), cancelled(MsgCancelledPictures, 4, 1701));
+        EXPECT_TRUE(stopping.ListView1[bmp ? 3 : 0].replaced);
+        EXPECT_FALSE(stopping.ListView1[bmp ? 6 : 5].replaced);
+        EXPECT_TRUE(stopping.mnuPopup_SavePatchEnabled());
+        EXPECT_FALSE(stopping.NoDialog || stopping.BmpFolderMode);   // the next replacement asks again
+    }
+    EXPECT_EQ(stopper.messageTexts().size(), 2u);
+}
+
+TEST_F(BatchCancel, glyphBatchesStopBetweenGlyphs) {
+    openInto(ws, ui, demoFlashPath());
+    ws.Ftype_Click(0);
+    openInto(stopping, stopper, demoFlashPath());
+    stopping.Ftype_Click(0);
+    const int glyphs = static_cast<int>(stopping.ListView2.size());
+    ui.folders = {folderNamed("full")};
+    ws.mnuPopup2_SaveAllBMP();
+    stopper.stopAt = 5;
+    stopper.folders = {folderNamed("part")};
+    stopping.mnuPopup2_SaveAllBMP();
+    std::map<std::string, Bytes> before = filesIn(file("full"));
+    std::erase_if(before, [](const auto& f) { return f.first >= "0006"; });   // codes 1 to 5
+    EXPECT_EQ(filesIn(file("part")), before);
+    EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{cancelled(MsgCancelledGlyphs, 5, glyphs)});
+    EXPECT_FALSE(stopping.GlyphShown);
+
+    // From the saved bitmaps, stopped before the third: glyphs 1 and 2 wait in the patch.
+    stopper = Stopper{};
+    stopper.stopAt = 2;
+    stopper.folders = {file("part")};
+    stopping.mnuPopup2_LoadBMPfolder();
+    EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{cancelled(MsgCancelledGlyphs, 2, glyphs)});
+    EXPECT_TRUE(stopping.ListView2[0].replaced && stopping.ListView2[1].replaced);
+    EXPECT_FALSE(stopping.ListView2[2].replaced);
+    EXPECT_TRUE(stopping.mnuPopup2_SavePatchEnabled());
+}
+
+// Make and the font rebuild write one whole result at their end: stopped, they write nothing.
+TEST_F(BatchCancel, wholeResultToolsStoppedWriteNothing) {
+    openInto(stopping, stopper, demoFlashPath());
+    stopping.ShowReplaceMessage = false;
+    stopper.stopAt = 2;
+    stopper.folders = {folderNamed("source"), folderNamed("made")};
+    stopping.mnu_ToolsMake();
+    EXPECT_TRUE(filesIn(file("made")).empty());
+    EXPECT_EQ(stopper.messageTexts(), texts({MsgCancelledNothingWritten}));
+
+    stopping.Ftype_Click(0);
+    bitmap("source/0001.bmp", 4, 4, {0, 0, 2, 2});
+    stopper = Stopper{};
+    stopper.stopAt = 1;
+    stopper.folders = {file("source")};
+    stopping.mnuPopup2_MakeF();
+    EXPECT_EQ(stopper.messageTexts(), texts({MsgCancelledNothingWritten}));
+    EXPECT_TRUE(stopper.fileDialogs.empty());
+    EXPECT_TRUE(stopping.ActionFailed);
+}
+
+}  // namespace
+}  // namespace korvatek::testing
