@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStatusBar>
@@ -20,6 +21,7 @@
 #include <new>
 
 #include "application.h"
+#include "batch_cancel.h"
 #include "canvas_image.h"
 #include "command_line.h"
 #include "glyph_list_model.h"
@@ -73,6 +75,7 @@ Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
     buildWidgets();
     buildMenus();
     m_ui.setProgressBar(m_progress);
+    m_ui.setBatchCancel(m_batchCancel);
     m_ui.setMessages(m_ws.messages);
     installDropTargets();
     retranslate();
@@ -161,6 +164,10 @@ void Form1::buildWidgets() {
     m_fileStatus->setObjectName(QStringLiteral("fileStatus"));
     statusBar()->addWidget(m_fileStatus, 1);
     statusBar()->addPermanentWidget(m_progress);
+    m_cancelButton = new QPushButton(this);
+    m_cancelButton->setObjectName(QStringLiteral("cmdCancelBatch"));
+    statusBar()->addPermanentWidget(m_cancelButton);
+    m_batchCancel = new BatchCancel(this, m_cancelButton);
 
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
     connect(m_fontSelector, &QComboBox::activated, this,
@@ -191,6 +198,7 @@ void Form1::runCommand(const std::function<void()>& command) {
         m_ws.ActionFailed = true;
         m_ws.showMessage(m_ws.msg(settings::MessageKey::MsgOutOfMemory));
     }
+    m_batchCancel->end();
     m_running = false;
     refreshFromWorkspace();
 }

@@ -5,6 +5,8 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QTabBar>
 
 #include <array>
@@ -209,6 +211,12 @@ void Form1::retranslate() {
     m_tabStrip->setTabText(1, captionText(table.caption(CaptionKey::TabFonts)));
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
+    m_cancelButton->setText(captionText(table.caption(CaptionKey::cmdCancel)));
+    m_cancelButton->setAccessibleName(plainCaption(captionText(table.caption(CaptionKey::cmdCancel))));
+    m_cancelButton->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgCancelDescription)));
+    m_cancelButton->setToolTip(m_cancelButton->accessibleDescription());
+    m_progress->setAccessibleName(toQString(table.text(settings::MessageKey::MsgProgressName)));
+    m_progress->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgProgressDescription)));
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
     m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
     using settings::MessageKey;
