@@ -7,13 +7,17 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QLabel>
 #include <QTabBar>
+#include <QTreeView>
 
 #include <array>
 
+#include "accessible_text.h"
 #include "form1.h"
 #include "list_filter.h"
 #include "pixel_editor.h"
+#include "preview_widget.h"
 #include "text_preview.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"
@@ -215,6 +219,16 @@ void Form1::retranslate() {
     m_cancelButton->setAccessibleName(plainCaption(captionText(table.caption(CaptionKey::cmdCancel))));
     m_cancelButton->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgCancelDescription)));
     m_cancelButton->setToolTip(m_cancelButton->accessibleDescription());
+    const auto said = [&table](settings::MessageKey key) { return toQString(table.text(key)); };
+    m_pictureList->setAccessibleName(said(settings::MessageKey::MsgPictureListName));
+    m_pictureList->setAccessibleDescription(said(settings::MessageKey::MsgPictureListDescription));
+    m_glyphList->setAccessibleName(said(settings::MessageKey::MsgGlyphListName));
+    m_glyphList->setAccessibleDescription(said(settings::MessageKey::MsgGlyphListDescription));
+    m_preview->setAccessibleName(said(settings::MessageKey::MsgPicturePreviewName));
+    m_preview->setAccessibleDescription(previewDescription(m_ws));
+    m_info->setAccessibleName(said(settings::MessageKey::MsgInfoName));
+    m_fontSelector->setAccessibleName(toQString(table.caption(CaptionKey::FtypeText)));
+    m_fontSelector->setAccessibleDescription(said(settings::MessageKey::MsgFontSelectorDescription));
     m_progress->setAccessibleName(toQString(table.text(settings::MessageKey::MsgProgressName)));
     m_progress->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgProgressDescription)));
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
