@@ -16,8 +16,7 @@ void BatchCancel::begin() {
     if (m_active) return;
     m_active = true;
     m_requested = false;
-    QWidget* focus = QApplication::focusWidget();
-    m_focus = focus != nullptr && focus->window() == m_window ? focus : nullptr;
+    m_focus = m_window->focusWidget();   // the window's own, also while a dialog is active
     m_button->setEnabled(true);
     m_button->show();
     m_button->setFocus(Qt::OtherFocusReason);
@@ -29,9 +28,9 @@ void BatchCancel::end() {
     qApp->removeEventFilter(this);
     m_active = false;
     m_requested = false;
-    const bool hadFocus = m_button->hasFocus();
     m_button->hide();
-    if (m_focus && hadFocus) m_focus->setFocus(Qt::OtherFocusReason);
+    // The focus goes back where the person left it, also when Cancel moved it on.
+    if (m_focus) m_focus->setFocus(Qt::OtherFocusReason);
     m_focus = nullptr;
 }
 

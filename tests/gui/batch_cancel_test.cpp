@@ -109,6 +109,22 @@ private slots:
         QVERIFY(m_window->findChild<QAction*>(QStringLiteral("mnuPopup_SavePatch"))->isEnabled());
     }
 
+    // Closing the window asks the batch to stop; the window stays, and the focus is back where
+    // it was.
+    void closingTheWindowDuringABatchCancelsIt() {
+        auto* list = m_window->findChild<QWidget*>(QStringLiteral("ListView1"));
+        list->setFocus();
+        ModalAnswerer answers;
+        answers.filesToChoose = {freshFolder(QStringLiteral("closed"))};
+        bool closed = true;
+        whenBarReaches(5, [&] { closed = m_window->close(); });
+        m_window->findChild<QAction*>(QStringLiteral("mnuPopup_SaveAllBMP"))->trigger();
+        QVERIFY(!closed && m_window->isVisible());
+        QVERIFY(cancelledAfter(answers.texts) > 0);
+        QCOMPARE(m_window->focusWidget(), list);
+        QVERIFY(m_window->close());   // with no batch, closing closes
+    }
+
 private:
     // Runs `act` once, inside the batch, when the bar first shows `percent` or more.
     void whenBarReaches(int percent, std::function<void()> act) {
