@@ -37,9 +37,6 @@ protected:
         std::filesystem::create_directories(file(name));
         return file(name);
     }
-    std::string cancelled(settings::MessageKey key, int done, int total) const {
-        return settings::fillIn(settings::fillIn(text(key), "%1", std::to_string(done)), "%2", std::to_string(total));
-    }
     Stopper stopper;
     app::Workspace stopping{stopper};
 };
@@ -83,28 +80,7 @@ TEST_F(BatchCancel, savingAllStopsBetweenPicturesKeepingExactlyTheFilesBefore) {
     }
 }
 
-TEST_F(BatchCancel, aFolderReplacementStoppedKeepsThePicturesItAdded) {
-    openInto(stopping, stopper, sampleFlash().writeTo("sample.bin"));
-    folderNamed("gpf");
-    container("gpf/0000.gpf2", true, 3, 2, 0x08, Bytes(12, 0x33));
-    container("gpf/0005.gpf2", true, 1, 1, 0x05, Bytes{0x22});
-    folderNamed("bmp");
-    bitmap("bmp/0003.bmp", 2, 1);
-    bitmap("bmp/0006.bmp", 1, 1);
-    for (const bool bmp : {false, true}) {
-        stopper.stopAt = stopper.asked + 4;   // before picture 4
-        stopper.folders = {file(bmp ? "bmp" : "gpf")};
-        bmp ? stopping.mnuPopup_LoadBMPs(0x88) : stopping.mnuPopup_LoadGPFfolder();
-        EXPECT_EQ(stopper.messageTexts().back(), cancelled(MsgCancelledPictures, 4, 1701));
-        EXPECT_TRUE(stopping.ListView1[bmp ? 3 : 0].replaced);
-        EXPECT_FALSE(stopping.ListView1[bmp ? 6 : 5].replaced);
-        EXPECT_TRUE(stopping.mnuPopup_SavePatchEnabled());
-        EXPECT_FALSE(stopping.NoDialog || stopping.BmpFolderMode);   // the next replacement asks again
-    }
-    EXPECT_EQ(stopper.messageTexts().size(), 2u);
-}
-
-TEST_F(BatchCancel, glyphBatchesStopBetweenGlyphs) {
+TEST_F(BatchCancel, glyphBatchesStopBetweenGlyphsAndWholeResultToolsWriteNothing) {
     openInto(ws, ui, demoFlashPath());
     ws.Ftype_Click(0);
     openInto(stopping, stopper, demoFlashPath());
@@ -118,31 +94,18 @@ TEST_F(BatchCancel, glyphBatchesStopBetweenGlyphs) {
     std::map<std::string, Bytes> before = filesIn(file("full"));
     std::erase_if(before, [](const auto& f) { return f.first >= "0006"; });   // codes 1 to 5
     EXPECT_EQ(filesIn(file("part")), before);
-    EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{cancelled(MsgCancelledGlyphs, 5, glyphs)});
+    EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{"Cancelled after 5 of " + std::to_string(glyphs) + " glyphs."});
     EXPECT_FALSE(stopping.GlyphShown);
 
-    // From the saved bitmaps, stopped before the third: glyphs 1 and 2 wait in the patch.
-    stopper = Stopper{};
-    stopper.stopAt = 2;
-    stopper.folders = {file("part")};
-    stopping.mnuPopup2_LoadBMPfolder();
-    EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{cancelled(MsgCancelledGlyphs, 2, glyphs)});
-    EXPECT_TRUE(stopping.ListView2[0].replaced && stopping.ListView2[1].replaced);
-    EXPECT_FALSE(stopping.ListView2[2].replaced);
-    EXPECT_TRUE(stopping.mnuPopup2_SavePatchEnabled());
-}
-
-// Make and the font rebuild write one whole result at their end: stopped, they write nothing.
-TEST_F(BatchCancel, wholeResultToolsStoppedWriteNothing) {
-    openInto(stopping, stopper, demoFlashPath());
+    // Make and the font rebuild write one whole result at their end: stopped, nothing.
     stopping.ShowReplaceMessage = false;
+    stopper = Stopper{};
     stopper.stopAt = 2;
     stopper.folders = {folderNamed("source"), folderNamed("made")};
     stopping.mnu_ToolsMake();
     EXPECT_TRUE(filesIn(file("made")).empty());
     EXPECT_EQ(stopper.messageTexts(), texts({MsgCancelledNothingWritten}));
 
-    stopping.Ftype_Click(0);
     bitmap("source/0001.bmp", 4, 4, {0, 0, 2, 2});
     stopper = Stopper{};
     stopper.stopAt = 1;

