@@ -50,7 +50,7 @@ TEST_F(BatchCancel, savingAllStopsBetweenPicturesKeepingExactlyTheFilesBefore) {
     for (const bool bmp : {false, true}) {
         const std::string full = folderNamed(bmp ? "full-bmp" : "full-gpf");
         const std::string never = folderNamed(bmp ? "never-bmp" : "never-gpf");
-        const std::string part = folderNamed(bmp ? "part-bmp" : "part-gpf");
+        const std::string stopped = folderNamed(bmp ? "stopped-bmp" : "stopped-gpf");
         const auto saveAll = [bmp](app::Workspace& w) { bmp ? w.mnuPopup_SaveAllBMP() : w.mnuPopup_SaveAllGPF(); };
         ui.messages.clear();
         ui.folders = {full};
@@ -66,12 +66,12 @@ TEST_F(BatchCancel, savingAllStopsBetweenPicturesKeepingExactlyTheFilesBefore) {
 
         stopper = Stopper{};
         stopper.stopAt = 3;
-        stopper.folders = {part};
+        stopper.folders = {stopped};
         stopper.answers = {true};   // keep the alpha channel: forgotten after the cancel too
         saveAll(stopping);
         std::map<std::string, Bytes> before = filesIn(full);
         std::erase_if(before, [](const auto& f) { return f.first >= "0003"; });
-        EXPECT_EQ(filesIn(part), before);
+        EXPECT_EQ(filesIn(stopped), before);
         // Row 2 has no data and says so, as in the full run; the success is not claimed.
         EXPECT_EQ(stopper.messageTexts(),
                   (std::vector<std::string>{text(MsgDataOffsetZero), "Cancelled after 3 of 1701 pictures."}));
@@ -89,11 +89,11 @@ TEST_F(BatchCancel, glyphBatchesStopBetweenGlyphsAndWholeResultToolsWriteNothing
     ui.folders = {folderNamed("full")};
     ws.mnuPopup2_SaveAllBMP();
     stopper.stopAt = 5;
-    stopper.folders = {folderNamed("part")};
+    stopper.folders = {folderNamed("stopped")};
     stopping.mnuPopup2_SaveAllBMP();
     std::map<std::string, Bytes> before = filesIn(file("full"));
     std::erase_if(before, [](const auto& f) { return f.first >= "0006"; });   // codes 1 to 5
-    EXPECT_EQ(filesIn(file("part")), before);
+    EXPECT_EQ(filesIn(file("stopped")), before);
     EXPECT_EQ(stopper.messageTexts(), std::vector<std::string>{"Cancelled after 5 of " + std::to_string(glyphs) + " glyphs."});
     EXPECT_FALSE(stopping.GlyphShown);
 

@@ -1,4 +1,4 @@
-// A long batch on the demonstration fullflash, cancelled part-way as a person does it: a click
+// A long batch on the demonstration fullflash, cancelled midway as a person does it: a click
 // on the Cancel beside the progress bar, Esc, or closing the window. The files written before
 // stay, whole; the pictures added to the patch stay; no other command starts meanwhile. (The
 // window benchmark measures how long the window ever goes without handling its events.)
@@ -26,7 +26,7 @@ class BatchCancelTest : public QObject {
     Q_OBJECT
 private slots:
     void initTestCase() {
-        // Every picture saved by the core alone, uncancelled: what a part of it must match.
+        // Every picture saved by the core alone, uncancelled: what the files of a cancelled run must match.
         m_full = freshFolder(QStringLiteral("full"));
         app::ScriptedInterface answers;
         app::Workspace ws(answers);
@@ -48,10 +48,10 @@ private slots:
     }
     void cleanup() { m_window.reset(); }
 
-    void aSaveAllCancelledPartWayKeepsExactlyTheFilesBefore() {
-        const QString part = freshFolder(QStringLiteral("part"));
+    void aSaveAllCancelledMidwayKeepsExactlyTheFilesBefore() {
+        const QString stopped = freshFolder(QStringLiteral("stopped"));
         ModalAnswerer answers;
-        answers.filesToChoose = {part};
+        answers.filesToChoose = {stopped};
         whenBarReaches(30, [&] {
             QVERIFY(m_cancel->isVisible());
             QCOMPARE(m_window->focusWidget(), m_cancel);   // Space or Enter presses it
@@ -70,8 +70,8 @@ private slots:
         const QString last = QStringLiteral("%1.gpf2").arg(done, 4, 10, QLatin1Char('0'));
         QStringList before = QDir(m_full).entryList(QDir::Files, QDir::Name);
         before.erase(std::remove_if(before.begin(), before.end(), [&](const QString& f) { return f >= last; }), before.end());
-        QCOMPARE(QDir(part).entryList(QDir::Files, QDir::Name), before);
-        for (const QString& name : before) QCOMPARE(bytes(part + u'/' + name), bytes(m_full + u'/' + name));
+        QCOMPARE(QDir(stopped).entryList(QDir::Files, QDir::Name), before);
+        for (const QString& name : before) QCOMPARE(bytes(stopped + u'/' + name), bytes(m_full + u'/' + name));
         QCOMPARE(m_window->workspace().TabStrip1, 1);
         QVERIFY(!m_cancel->isVisible());
     }
