@@ -2,11 +2,11 @@
 // would open it; a picture file on a picture row or the preview replaces that picture, a BMP
 // on a glyph row that glyph, with the menu commands' checks; several picture files, or one
 // dropped elsewhere, replace the pictures their names number ("0005.png", "12.bmp"), with one
-// summary at the end.
+// summary at the end. The same filter on the lists opens their popups from the keyboard.
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QKeyEvent>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMimeData>

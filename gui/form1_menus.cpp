@@ -5,9 +5,9 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
+#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QLabel>
 #include <QTabBar>
 #include <QTreeView>
 
@@ -215,11 +215,14 @@ void Form1::retranslate() {
     m_tabStrip->setTabText(1, captionText(table.caption(CaptionKey::TabFonts)));
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
-    m_cancelButton->setText(captionText(table.caption(CaptionKey::cmdCancel)));
-    m_cancelButton->setAccessibleName(plainCaption(captionText(table.caption(CaptionKey::cmdCancel))));
-    m_cancelButton->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgCancelDescription)));
-    m_cancelButton->setToolTip(m_cancelButton->accessibleDescription());
+    // The Cancel of a batch and what a screen reader says for the window's parts.
     const auto said = [&table](settings::MessageKey key) { return toQString(table.text(key)); };
+    m_cancelButton->setText(captionText(table.caption(CaptionKey::cmdCancel)));
+    m_cancelButton->setAccessibleName(toQString(table.caption(CaptionKey::cmdCancel)));
+    m_cancelButton->setAccessibleDescription(said(settings::MessageKey::MsgCancelDescription));
+    m_cancelButton->setToolTip(m_cancelButton->accessibleDescription());
+    m_progress->setAccessibleName(said(settings::MessageKey::MsgProgressName));
+    m_progress->setAccessibleDescription(said(settings::MessageKey::MsgProgressDescription));
     m_pictureList->setAccessibleName(said(settings::MessageKey::MsgPictureListName));
     m_pictureList->setAccessibleDescription(said(settings::MessageKey::MsgPictureListDescription));
     m_glyphList->setAccessibleName(said(settings::MessageKey::MsgGlyphListName));
@@ -229,8 +232,6 @@ void Form1::retranslate() {
     m_info->setAccessibleName(said(settings::MessageKey::MsgInfoName));
     m_fontSelector->setAccessibleName(toQString(table.caption(CaptionKey::FtypeText)));
     m_fontSelector->setAccessibleDescription(said(settings::MessageKey::MsgFontSelectorDescription));
-    m_progress->setAccessibleName(toQString(table.text(settings::MessageKey::MsgProgressName)));
-    m_progress->setAccessibleDescription(toQString(table.text(settings::MessageKey::MsgProgressDescription)));
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
     m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
     using settings::MessageKey;
