@@ -140,7 +140,7 @@ const LanguageTexts& LanguagePL() {
             "Anulowano: nic nie zostało zapisane.",
             "Zatrzymuje trwające polecenie po bieżącym elemencie; to, co zrobione, zostaje. Esc działa tak samo",
             "Postęp",
-            "Jak daleko doszło trwające polecenie",
+            "Jak daleko zaszło trwające polecenie",
             "Lista obrazków",
             "Jeden wiersz na każdy obrazek fullflasha. Klawisz menu kontekstowego lub Shift+F10 otwiera jego polecenia",
             "Lista znaków",
