@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStatusBar>
@@ -19,7 +20,9 @@
 #include <cmath>
 #include <new>
 
+#include "accessible_text.h"
 #include "application.h"
+#include "batch_cancel.h"
 #include "canvas_image.h"
 #include "command_line.h"
 #include "glyph_list_model.h"
@@ -74,6 +77,7 @@ Form1::Form1(std::unique_ptr<settings::SettingsStore> settingsStore,
     buildMenus();
     buildPendingPanel();
     m_ui.setProgressBar(m_progress);
+    m_ui.setBatchCancel(m_batchCancel);
     m_ui.setMessages(m_ws.messages);
     installDropTargets();
     retranslate();
@@ -86,6 +90,12 @@ Form1::~Form1() = default;
 void Form1::buildWidgets() {
     m_pictureModel = new PictureListModel(m_ws.ListView1, this);
     m_glyphModel = new GlyphListModel(m_ws.ListView2, this);
+    m_pictureModel->setAccessibleText([this](const RecordTableModel& rows, int row, int column) {
+        return pictureAccessibleText(m_ws.messages, rows, row, column);
+    });
+    m_glyphModel->setAccessibleText([this](const RecordTableModel& rows, int row, int column) {
+        return glyphAccessibleText(m_ws.messages, rows, row, column);
+    });
     m_pictureSelection = new WorkspaceSelection(m_pictureModel, [this](int row) { pictureRowRequested(row); }, this);
     m_glyphSelection = new WorkspaceSelection(m_glyphModel, [this](int row) { glyphRowRequested(row); }, this);
 
@@ -130,7 +140,9 @@ void Form1::buildWidgets() {
     m_preview = new PreviewWidget(previewPane);
     m_info = new QLabel(previewPane);
     m_info->setObjectName(QStringLiteral("PICinfo"));
-    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // Reachable from the keyboard too, to be read and copied.
+    m_info->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_info->setFocusPolicy(Qt::StrongFocus);
     m_info->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_info->setMinimumHeight(m_info->fontMetrics().lineSpacing() * 6 + 8);
     m_info->setContentsMargins(4, 4, 4, 4);
@@ -162,6 +174,20 @@ void Form1::buildWidgets() {
     m_fileStatus->setObjectName(QStringLiteral("fileStatus"));
     statusBar()->addWidget(m_fileStatus, 1);
     statusBar()->addPermanentWidget(m_progress);
+    m_cancelButton = new QPushButton(this);
+    m_cancelButton->setObjectName(QStringLiteral("cmdCancelBatch"));
+    statusBar()->addPermanentWidget(m_cancelButton);
+    m_batchCancel = new BatchCancel(this, m_cancelButton);
+
+    // Tab follows the eye: tabs, font, search box, list, then the information text.
+    setTabOrder(m_tabStrip, m_fontSelector);
+    setTabOrder(m_fontSelector, m_pictureFilter->box());
+    setTabOrder(m_pictureFilter->box(), m_glyphFilter->box());
+    setTabOrder(m_glyphFilter->box(), m_pictureList);
+    setTabOrder(m_pictureList, m_glyphList);
+    setTabOrder(m_glyphList, m_info);
+    // The context menu key and Shift+F10 open a list's popup at its current row.
+    for (QTreeView* list : {m_pictureList, m_glyphList}) list->installEventFilter(this);
 
     connect(m_tabStrip, &QTabBar::currentChanged, this, [this](int index) { TabStrip1_Click(index + 1); });
     connect(m_fontSelector, &QComboBox::activated, this,
@@ -193,6 +219,7 @@ void Form1::runCommand(const std::function<void()>& command) {
         m_ws.ActionFailed = true;
         m_ws.showMessage(m_ws.msg(settings::MessageKey::MsgOutOfMemory));
     }
+    m_batchCancel->end();
     m_running = false;
     refreshFromWorkspace();
 }
@@ -314,6 +341,7 @@ void Form1::showPreview() {
             break;
     }
     m_info->setText(toDisplayText(m_ws.PICinfo));
+    m_preview->setAccessibleDescription(previewDescription(m_ws));
 }
 
 void Form1::showTab() {

@@ -28,12 +28,14 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class QProgressBar;
+class QPushButton;
 class QSplitter;
 class QTabBar;
 class QTreeView;
 
 namespace korvatek::gui {
 
+class BatchCancel;
 class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
@@ -166,6 +168,8 @@ private:
     QLabel* m_info = nullptr;
     QLabel* m_fileStatus = nullptr;
     QProgressBar* m_progress = nullptr;
+    QPushButton* m_cancelButton = nullptr;
+    BatchCancel* m_batchCancel = nullptr;
     QSplitter* m_splitter = nullptr;
     QMenu* m_picturePopup = nullptr;
     QMenu* m_glyphPopup = nullptr;

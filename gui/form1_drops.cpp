@@ -2,9 +2,11 @@
 // would open it; a picture file on a picture row or the preview replaces that picture, a BMP
 // on a glyph row that glyph, with the menu commands' checks; several picture files, or one
 // dropped elsewhere, replace the pictures their names number ("0005.png", "12.bmp"), with one
-// summary at the end.
+// summary at the end. The same filter on the lists opens their popups from the keyboard.
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QFileInfo>
 #include <QFrame>
 #include <QMenu>
@@ -82,6 +84,20 @@ void Form1::markDropTarget(QWidget* over, const QRect& area) {
 bool Form1::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
     if (type == QEvent::DragLeave) markDropTarget(nullptr, {});
+    if (watched == m_pictureList || watched == m_glyphList) {
+        auto* list = static_cast<QTreeView*>(watched);
+        // The context menu key (its event comes from the platform) and Shift+F10 (a key press
+        // where the platform makes nothing of it) open the popup at the current row.
+        const bool fromKeyboard =
+            (type == QEvent::ContextMenu && static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) ||
+            (type == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F10 &&
+             static_cast<QKeyEvent*>(event)->modifiers() == Qt::ShiftModifier);
+        if (!fromKeyboard) return QMainWindow::eventFilter(watched, event);
+        const QRect current = list->visualRect(list->currentIndex());
+        showPopup(list, list == m_pictureList ? m_picturePopup : m_glyphPopup,
+                  current.isValid() ? current.bottomLeft() : QPoint(0, 0));
+        return true;
+    }
     if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return QMainWindow::eventFilter(watched, event);
     auto* drop = static_cast<QDropEvent*>(event);
     const std::vector<QString> files = localFiles(drop->mimeData());

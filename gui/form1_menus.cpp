@@ -5,13 +5,19 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QTabBar>
+#include <QTreeView>
 
 #include <array>
 
+#include "accessible_text.h"
 #include "form1.h"
 #include "list_filter.h"
 #include "pixel_editor.h"
+#include "preview_widget.h"
 #include "text_preview.h"
 #include "glyph_list_model.h"
 #include "picture_list_model.h"
@@ -210,6 +216,23 @@ void Form1::retranslate() {
     m_fontSelector->setPlaceholderText(toQString(table.caption(CaptionKey::FtypeText)));
     m_textPreview->retranslate();
     retranslatePending();
+    // The Cancel of a batch and what a screen reader says for the window's parts.
+    const auto said = [&table](settings::MessageKey key) { return toQString(table.text(key)); };
+    m_cancelButton->setText(captionText(table.caption(CaptionKey::cmdCancel)));
+    m_cancelButton->setAccessibleName(toQString(table.caption(CaptionKey::cmdCancel)));
+    m_cancelButton->setAccessibleDescription(said(settings::MessageKey::MsgCancelDescription));
+    m_cancelButton->setToolTip(m_cancelButton->accessibleDescription());
+    m_progress->setAccessibleName(said(settings::MessageKey::MsgProgressName));
+    m_progress->setAccessibleDescription(said(settings::MessageKey::MsgProgressDescription));
+    m_pictureList->setAccessibleName(said(settings::MessageKey::MsgPictureListName));
+    m_pictureList->setAccessibleDescription(said(settings::MessageKey::MsgPictureListDescription));
+    m_glyphList->setAccessibleName(said(settings::MessageKey::MsgGlyphListName));
+    m_glyphList->setAccessibleDescription(said(settings::MessageKey::MsgGlyphListDescription));
+    m_preview->setAccessibleName(said(settings::MessageKey::MsgPicturePreviewName));
+    m_preview->setAccessibleDescription(previewDescription(m_ws));
+    m_info->setAccessibleName(said(settings::MessageKey::MsgInfoName));
+    m_fontSelector->setAccessibleName(toQString(table.caption(CaptionKey::FtypeText)));
+    m_fontSelector->setAccessibleDescription(said(settings::MessageKey::MsgFontSelectorDescription));
     m_editGlyph->setText(captionText(table.text(settings::MessageKey::MsgEditGlyph)));
     m_editPicture->setText(captionText(table.text(settings::MessageKey::MsgEditPicture)));
     using settings::MessageKey;

@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include "application.h"
+#include "batch_cancel.h"
 #include "patch_status_dialog.h"
 #include "qt_text.h"
 
@@ -125,11 +126,19 @@ std::optional<std::string> QtUserInterface::inputText(const std::string& prompt)
 
 void QtUserInterface::setProgress(double percent) {
     if (m_progressBar) m_progressBar->setValue(static_cast<int>(std::lround(std::clamp(percent, 0.0, 100.0))));
-    // Paint, but take no input: a command runs to its end before the next one starts.
+    // Paint, but take no input: a command runs to its end before the next one starts. During a
+    // batch the Cancel holds back every input of the window but its own, so input may flow.
     if (!m_sinceRepaint.isValid() || m_sinceRepaint.elapsed() >= kRepaintIntervalMs || percent >= 100.0) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QCoreApplication::processEvents(m_cancel && m_cancel->active() ? QEventLoop::AllEvents
+                                                                       : QEventLoop::ExcludeUserInputEvents);
         m_sinceRepaint.restart();
     }
+}
+
+bool QtUserInterface::cancelRequested() {
+    if (!m_cancel) return false;
+    m_cancel->begin();
+    return m_cancel->requested();
 }
 
 }  // namespace korvatek::gui

@@ -1,7 +1,7 @@
 #pragma once
 // The window's side of the person-facing seam: Qt message boxes, questions, file and folder
 // dialogs and input boxes, and the progress bar, which keeps the window painted during long
-// walks.
+// walks; during a batch it also takes the Cancel beside the bar.
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -16,6 +16,8 @@
 
 namespace korvatek::gui {
 
+class BatchCancel;
+
 class QtUserInterface : public app::UserInterface {
 public:
     // Repaints during a walk at most this often.
@@ -24,6 +26,8 @@ public:
     explicit QtUserInterface(QWidget* parent);
 
     void setProgressBar(QProgressBar* bar) { m_progressBar = bar; }
+    // The window's Cancel; without it nothing is ever cancelled.
+    void setBatchCancel(BatchCancel* cancel) { m_cancel = cancel; }
     // The table the patch status dialog takes its words from: the window's, in its language.
     void setMessages(const settings::MessageTable& messages) { m_messages = &messages; }
 
@@ -39,6 +43,7 @@ public:
     std::optional<std::string> inputText(const std::string& prompt) override;
     bool showPatchStatus(const edit::StatusReport& report, bool canWrite) override;
     void setProgress(double percent) override;
+    bool cancelRequested() override;
 
     // "Desc (*.x)|*.x|Desc2|*.y" as Qt's "Desc (*.x);;Desc2 (*.y)": each description keeps its
     // words and gets the pair's patterns in parentheses.
@@ -57,6 +62,7 @@ private:
 
     QWidget* m_parent;
     QPointer<QProgressBar> m_progressBar;
+    BatchCancel* m_cancel = nullptr;  // a child of the window, which outlives this
     QElapsedTimer m_sinceRepaint;
     QString m_lastFolder;
     const settings::MessageTable* m_messages = nullptr;

@@ -52,6 +52,10 @@ QVariant RecordTableModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
         case Qt::ToolTipRole:
             return cellText(index.row(), index.column() + 1);
+        case Qt::AccessibleTextRole: {
+            QString spoken = m_accessibleText ? m_accessibleText(*this, index.row(), index.column() + 1) : QString();
+            return spoken.isNull() ? cellText(index.row(), index.column() + 1) : spoken;
+        }
         case Qt::TextAlignmentRole:
             return m_rightAligned.contains(index.column() + 1)
                        ? QVariant::fromValue(Qt::Alignment(Qt::AlignRight | Qt::AlignVCenter))
@@ -87,7 +91,7 @@ bool RecordTableModel::update() {
         const std::size_t first = row;
         for (; row < rows.size() && rows[row].mark != m_rows[row].mark; ++row) m_rows[row].mark = std::move(rows[row].mark);
         emit dataChanged(index(static_cast<int>(first), mark), index(static_cast<int>(row) - 1, mark),
-                         {Qt::DisplayRole, Qt::ToolTipRole});
+                         {Qt::DisplayRole, Qt::ToolTipRole, Qt::AccessibleTextRole});
     }
     return false;
 }

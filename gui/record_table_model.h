@@ -38,6 +38,11 @@ public:
     // opened, another font chosen) and the views are reset. Returns whether they were.
     bool update();
 
+    // What a screen reader says for a cell (column counted from 1); a null string leaves the
+    // cell's own text.
+    using AccessibleText = std::function<QString(const RecordTableModel& rows, int row, int column)>;
+    void setAccessibleText(AccessibleText text) { m_accessibleText = std::move(text); }
+
     // Columns whose numbers read better right-aligned.
     void setRightAligned(QList<int> columns) { m_rightAligned = std::move(columns); }
 
@@ -55,6 +60,7 @@ private:
     RowCount m_rowCount;
     CellText m_cellText;
     QList<int> m_rightAligned;
+    AccessibleText m_accessibleText;
     std::vector<Row> m_rows;  // what the views were last told
 };
 

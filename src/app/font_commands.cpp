@@ -1,5 +1,6 @@
 // The Fonts tab: reading a font's glyph table, showing and saving glyphs, the font size patch.
 #include "base/hex_text.h"
+#include "app/batch_cancel.h"
 #include "app/workspace.h"
 #include "codec/bmp_file.h"
 #include "fonts/font_table.h"
@@ -76,6 +77,10 @@ void Workspace::mnuPopup2_SaveAllBMP() {
     BmpOutputFolder = folder;
     const int last = static_cast<int>(ListView2.size()) - 1;
     for (int n = 0; n <= last; ++n) {
+        if (n > 0 && batchCancelled(*this, n, last + 1, MessageKey::MsgCancelledGlyphs)) {
+            GlyphShown = false;
+            return;
+        }
         BatchCounter = n;
         selectGlyph(n);
         LoadFont();

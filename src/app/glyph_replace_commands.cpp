@@ -2,6 +2,7 @@
 // checked against the room the firmware has for the glyph, encoded, and collected until the
 // patch is saved; the row is marked "*".
 #include "base/hex_text.h"
+#include "app/batch_cancel.h"
 #include "app/workspace.h"
 #include "edit/font_edits.h"
 #include "fonts/font_table.h"
@@ -46,6 +47,8 @@ void Workspace::mnuPopup2_LoadBMPfolder() {
     if (folder.empty()) return;
     const int last = static_cast<int>(ListView2.size());
     for (int n = 1; n <= last; ++n) {
+        // The glyphs already collected stay in the glyph patch.
+        if (n > 1 && batchCancelled(*this, n - 1, last, MessageKey::MsgCancelledGlyphs)) return;
         const std::string path = joinPath(folder, zeroPadded(n, 4) + ".bmp");
         if (!CheckFexist(path)) {
             if (isMarked(ListView2[static_cast<std::size_t>(n - 1)])) {

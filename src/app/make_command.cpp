@@ -38,9 +38,14 @@ void Workspace::mnu_ToolsMake() {
             if (ShowReplaceMessage)
                 showMessage(msg(MessageKey::MsgFile) + name + ".gpf2 (or .gpf)" + msg(MessageKey::MsgReplacedByEmpty));
         },
-        [this](double percent) { setProgress(percent); });
+        [this](double percent) { setProgress(percent); }, [this] { return ui.cancelRequested(); });
     // A container that cannot be read stops the tool before anything is written.
     if (!area) return fail(area.error());
+    if (area->cancelled) {
+        showMessage(msg(MessageKey::MsgCancelledNothingWritten));
+        ActionFailed = true;
+        return;
+    }
     const auto writeBlocks = [&] {
         const bool ok = writeOutput(dataPath, area->data);
         return writeOutput(tablePath, area->table) && ok;

@@ -21,7 +21,16 @@ void Workspace::mnuPopup2_MakeF() {
     input.fontIndex = static_cast<std::size_t>(FtypeIndex);
     input.rows = &ListView2;
     input.fontAreaOffset = fontAreaOffsetValue();
+    // The bar moves while the bitmaps are read; the Workspace's own progress stays as it was.
+    input.progress = [this](double percent) { ui.setProgress(percent); };
+    bool cancelled = false;
+    input.stop = [this, &cancelled] { return cancelled = ui.cancelRequested(); };
     const auto rebuiltFont = edit::rebuildFontFromFolder(input, folder, glyphGrid);
+    if (cancelled) {
+        showMessage(msg(MessageKey::MsgCancelledNothingWritten));
+        ActionFailed = true;
+        return;
+    }
     if (!rebuiltFont) return fail(rebuiltFont.error());
     const fonts::RebuildResult& rebuilt = *rebuiltFont;
     using Outcome = fonts::RebuildResult::Outcome;

@@ -151,6 +151,27 @@ enum class MessageKey : int {
     MsgShowReplacement,  // the preview's before/after toggle
     MsgShowReplacementTip, // its tooltip
     MsgPendingEmpty,     // the panel when nothing waits
+    MsgCancelledPictures, // a picture batch stopped by Cancel: "Cancelled after %1 of %2 pictures."
+    MsgCancelledGlyphs,   // the same for a glyph batch
+    MsgCancelledNothingWritten,  // Make or the font rebuild stopped before writing
+    MsgCancelDescription, // the Cancel button beside the progress bar
+    MsgProgressName,      // the progress bar's accessible name and description
+    MsgProgressDescription,
+    MsgPictureListName,   // the picture list's accessible name and description
+    MsgPictureListDescription,
+    MsgGlyphListName,     // the glyph list's
+    MsgGlyphListDescription,
+    MsgPicturePreviewName,  // the preview's accessible name; its description says what it shows:
+    MsgPreviewNothing,    // nothing,
+    MsgPreviewFilePicture,  // a picture read from a container file: "%1 by %2, %3"
+    MsgInfoName,          // the information text under the preview
+    MsgFontSelectorDescription,
+    MsgRowPicture,        // a picture row read as a sentence: "Picture %1, %2 by %3, %4"
+    MsgRowGlyph,          // a glyph row: "Glyph %1, %2 by %3"
+    MsgRowBits,           // the %4 of a picture: "%1-bit",
+    MsgRowBitsCompressed, // "%1-bit compressed",
+    MsgRowUnknownType,    // or "type %1 unknown" (hex)
+    MsgRowReplaced,       // added after a row whose replacement waits in the patch
     Count
 };
 

@@ -1,5 +1,6 @@
 // The picture list: showing the selected picture, and saving one or all of them.
 #include "base/hex_text.h"
+#include "app/batch_cancel.h"
 #include "app/workspace.h"
 #include "edit/picture_decode.h"
 
@@ -105,6 +106,8 @@ void Workspace::mnuPopup_SaveAllGPF() {
     OutputFolder = folder;
     const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
     for (int n = 0; n <= last; ++n) {
+        // Each file is whole once SaveGPF returns: a cancel leaves the ones before it.
+        if (n > 0 && batchCancelled(*this, n, last + 1, MessageKey::MsgCancelledPictures)) return;
         BatchCounter = n;
         selectPicture(n);
         SuppressAlphaPrompt = true;
@@ -128,6 +131,10 @@ void Workspace::mnuPopup_SaveAllBMP() {
     BatchKeepAlpha = ui.askOkCancel(msg(MessageKey::MsgSaveAlpha));
     const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
     for (int n = 0; n <= last; ++n) {
+        if (n > 0 && batchCancelled(*this, n, last + 1, MessageKey::MsgCancelledPictures)) {
+            BatchKeepAlpha = false;  // a single save afterwards asks again
+            return;
+        }
         BatchCounter = n;
         selectPicture(n);
         SuppressAlphaPrompt = true;

@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "base/hex_text.h"
+#include "app/batch_cancel.h"
 #include "app/workspace.h"
 #include "codec/picture_encoder.h"
 #include "edit/picture_patch.h"
@@ -117,6 +118,8 @@ void Workspace::mnuPopup_LoadGPFfolder() {
     OutputFolder = folder;
     const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
     for (int n = 0; n <= last; ++n) {
+        // The pictures already added stay in the patch, marked, to be saved or discarded.
+        if (n > 0 && batchCancelled(*this, n, last + 1, MessageKey::MsgCancelledPictures)) return;
         const std::string path = joinPath(folder, zeroPadded(n, 4) + ".gpf2");
         if (!CheckFexist(path)) {
             if (isMarked(ListView1[static_cast<std::size_t>(n)])) {
@@ -261,6 +264,7 @@ void Workspace::ReplacePicturesFromBMPFolder() {
     if (folder.empty()) return;
     const int last = std::min(PictureMaxIndex, static_cast<int>(ListView1.size()) - 1);
     for (int n = 0; n <= last; ++n) {
+        if (n > 0 && batchCancelled(*this, n, last + 1, MessageKey::MsgCancelledPictures)) return;
         const std::string path = joinPath(folder, zeroPadded(n, 4) + ".bmp");
         if (CheckFexist(path)) continue;
         selectPicture(n);

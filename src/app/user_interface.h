@@ -51,6 +51,9 @@ public:
     }
     // Progress of a long walk, 0 to 100. The window repaints here.
     virtual void setProgress(double percent) = 0;
+    // Whether the person asked to stop the walk under way. A batch asks between two items and
+    // stops there, keeping what it has done; where nobody can ask (the command line), never.
+    virtual bool cancelRequested() { return false; }
 };
 
 }  // namespace korvatek::app

@@ -131,6 +131,8 @@ Result<fonts::RebuildResult> rebuildFontFromFolder(const FontRebuildInput& in, c
     // Every glyph with a bitmap is loaded and trimmed as a single replacement would be.
     input.replacements.resize(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (i > 0 && in.stop && in.stop()) return fonts::RebuildResult{};
+        if (in.progress) in.progress(static_cast<double>(i) / static_cast<double>(rows.size()) * 100.0);
         const std::string path = app::joinPath(folder, rows[i].codeText() + ".bmp");
         if (app::CheckFexist(path)) continue;
         const auto file = app::readFile(path, app::kMaxPictureFileSize);

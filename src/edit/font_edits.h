@@ -3,6 +3,7 @@
 // and checked against the room the firmware has for it), and rebuilding a whole font from a
 // folder of BMPs.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -60,6 +61,10 @@ struct FontRebuildInput {
     std::size_t fontIndex = 0;
     const std::vector<fonts::GlyphRecord>* rows = nullptr;
     std::int64_t fontAreaOffset = 0;
+    // Told how far the bitmaps are read, and asked between two of them whether to stop; a
+    // stop returns an empty result at once, which the caller does not use.
+    std::function<void(double)> progress;
+    std::function<bool()> stop;
 };
 Result<fonts::RebuildResult> rebuildFontFromFolder(const FontRebuildInput& input, const std::string& folder,
                                                    codec::PixelCanvas& grid);

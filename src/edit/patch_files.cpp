@@ -84,11 +84,16 @@ Result<std::vector<NamedContainer>> containersOfOtherPatch(const std::string& pa
 
 Result<PictureArea> makePictureArea(const std::string& folder, int maxIndex,
                                     const std::function<void(const std::string& name)>& missing,
-                                    const std::function<void(double)>& progress) {
+                                    const std::function<void(double)>& progress,
+                                    const std::function<bool()>& stop) {
     PictureArea area;
     std::uint64_t offset = firmware::kPictureDataStart;
     const Bytes empty = emptyContainer();
     for (int n = 0; n <= maxIndex; ++n) {
+        if (n > 0 && stop && stop()) {
+            area.cancelled = true;
+            return area;
+        }
         const std::string name = app::zeroPadded(n, 4);
         std::string path = app::joinPath(folder, name + ".gpf2");
         if (app::CheckFexist(path)) path = app::joinPath(folder, name + ".gpf");

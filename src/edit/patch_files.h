@@ -58,14 +58,17 @@ Result<std::vector<NamedContainer>> containersOfOtherPatch(const std::string& pa
 // The Make tool: the picture area rebuilt from a folder of containers "0000.gpf2" (or .gpf)
 // up to "1700", a missing one replaced by the empty picture (`missing` is told its number and
 // name first). A container that cannot be read stops it (nothing to write); data beyond the
-// picture area stop it too, with the blocks made so far (`overflow`).
+// picture area stop it too, with the blocks made so far (`overflow`). `stop`, asked between
+// two containers, ends it early (`cancelled`, the blocks incomplete: not to be written).
 struct PictureArea {
     Bytes data;    // belongs at the data start
     Bytes table;   // the index table
     bool overflow = false;
+    bool cancelled = false;
 };
 Result<PictureArea> makePictureArea(const std::string& folder, int maxIndex,
                                     const std::function<void(const std::string& name)>& missing,
-                                    const std::function<void(double)>& progress = {});
+                                    const std::function<void(double)>& progress = {},
+                                    const std::function<bool()>& stop = {});
 
 }  // namespace korvatek::edit
