@@ -13,6 +13,7 @@
 #include <QMimeData>
 #include <QTreeView>
 
+#include "app/batch_cancel.h"
 #include "form1.h"
 #include "preview_widget.h"
 #include "qt_text.h"
@@ -196,8 +197,13 @@ void Form1::dropFiles(const std::vector<QString>& files, DropOn on, int row, con
     }
     std::vector<std::string> report;
     int replaced = 0;
+    bool cancelled = false;
     runCommand([&] {
         for (std::size_t i = 0; i < pictures.size(); ++i) {
+            // Cancel stops between two files: those replaced stay in the patch.
+            cancelled = app::batchCancelled(m_ws, static_cast<int>(i), static_cast<int>(pictures.size()),
+                                            MessageKey::MsgCancelledPictures);
+            if (cancelled) break;
             const QString& file = pictures[i];
             const std::string name = toStdString(QFileInfo(file).fileName());
             const auto number = pictureNumberOf(file);
@@ -219,6 +225,7 @@ void Form1::dropFiles(const std::vector<QString>& files, DropOn on, int row, con
             m_ws.setProgress(static_cast<double>(i + 1) / static_cast<double>(pictures.size()) * 100.0);
         }
     });
+    if (cancelled && report.empty()) return;   // the cancel's message said how far it got
     std::string summary = settings::fillIn(settings::fillIn(m_ws.msg(MessageKey::MsgDropSummary), "%1", std::to_string(replaced)),
                                            "%2", std::to_string(pictures.size()));
     for (const std::string& line : report) summary += "\r" + line;
