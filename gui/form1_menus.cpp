@@ -10,6 +10,7 @@
 #include <array>
 
 #include "form1.h"
+#include "gallery_pane.h"
 #include "list_filter.h"
 #include "pixel_editor.h"
 #include "text_preview.h"
@@ -217,6 +218,7 @@ void Form1::retranslate() {
                               text(MessageKey::MsgFindUnread));
     m_glyphFilter->setTexts(text(MessageKey::MsgFindGlyphs), text(MessageKey::MsgFindName), text(MessageKey::MsgFindCount),
                             text(MessageKey::MsgFindUnread));
+    m_gallery->retranslate();
 }
 
 void Form1::editPicture() {
