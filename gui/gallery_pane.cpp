@@ -120,7 +120,7 @@ public:
         }
         if (index.data(GalleryModel::ReplacedRole).toBool()) {
             // A replacement waits in the patch: the list's "*" as a corner.
-            const int corner = std::max(12, tile / 5);
+            const int corner = std::max(16, tile / 4);
             QPainterPath triangle;
             triangle.moveTo(cell.right() - corner, cell.top() + 1);
             triangle.lineTo(cell.right(), cell.top() + 1);

@@ -2,6 +2,7 @@
 // selection with the list and the preview, the search hiding the same tiles, a crossed tile
 // that says why a picture cannot be shown, and a corner on a picture whose replacement waits.
 #include <QAbstractItemModelTester>
+#include <QAccessible>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
@@ -160,6 +161,16 @@ private slots:
         QVERIFY(view->viewport()->rect().intersects(view->visualRect(m_gallery->model().index(1500, 0))));
     }
 
+    // A screen reader reads each tile's sentence and the gallery's name.
+    void screenReadersHearTheTiles() {
+        QAccessibleInterface* gallery = QAccessible::queryAccessibleInterface(m_gallery->view());
+        QVERIFY(gallery);
+        QCOMPARE(gallery->text(QAccessible::Name), QStringLiteral("Picture gallery"));
+        QVERIFY(gallery->childCount() > 0);
+        const QString first = gallery->child(0)->text(QAccessible::Name);
+        QVERIFY2(first.startsWith(QStringLiteral("Picture 0, 240 by 320")), qPrintable(first));
+    }
+
     void theSearchHidesTheSameTiles() {
         auto* find = m_window->findChild<QLineEdit*>("FindPictures");
         auto* list = m_window->findChild<QTreeView*>("ListView1");
@@ -218,7 +229,16 @@ private slots:
         auto* list = m_window->findChild<QTreeView*>("ListView1");
         list->setCurrentIndex(m_window->pictureModel().index(3, 0));
         m_gallery->view()->scrollToTop();
+        // A picture whose replacement waits, for its corner to be seen.
+        const QString file = freshFolder(QStringLiteral("gallery")) + QStringLiteral("/6.gpf2");
+        QVERIFY(QFile::copy(demoPictureGpf2(2), file));
+        {
+            ModalAnswerer answers;
+            drop({file});
+        }
+        list->setCurrentIndex(m_window->pictureModel().index(3, 0));
         QCoreApplication::processEvents();
+        QVERIFY(m_gallery->model().index(6, 0).data(GalleryModel::ReplacedRole).toBool());
         QVERIFY(m_window->grab().save(QStringLiteral(KORVATEK_SCREENSHOT_DIR "/form1_gallery.png")));
     }
 
