@@ -54,6 +54,19 @@ QIcon tilesIcon(const QColor& colour) {
 
 }  // namespace
 
+QRect tilePictureRect(QSize picture, const QRect& square) {
+    if (picture.isEmpty()) return {};
+    QSize shown = picture;
+    if (picture.width() <= square.width() && picture.height() <= square.height()) {
+        const int zoom = std::max(1, std::min(square.width() / picture.width(), square.height() / picture.height()));
+        shown = picture * zoom;
+    } else {
+        shown = picture.scaled(square.size(), Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    }
+    return QRect(square.x() + (square.width() - shown.width()) / 2, square.y() + (square.height() - shown.height()) / 2,
+                 shown.width(), shown.height());
+}
+
 // Draws one tile: the picture square (thumbnail on a checkerboard, a grey box while it is on
 // its way, a crossed box when it cannot be shown), a coloured corner for a waiting
 // replacement, and the number and size beneath.
@@ -67,21 +80,6 @@ public:
     }
     QSize cellSize(const QFontMetrics& metrics) const {
         return {tile + 2 * kPad, kPad + tile + 3 + 2 * metrics.height() + kPad};
-    }
-
-    // The largest whole factor at which `picture` fits the square; a picture larger than the
-    // square is shrunk to fit instead, keeping its proportions.
-    static QRect pictureRect(QSize picture, const QRect& square) {
-        QSize shown = picture;
-        if (picture.width() <= square.width() && picture.height() <= square.height()) {
-            const int zoom = std::max(1, std::min(square.width() / picture.width(), square.height() / picture.height()));
-            shown = picture * zoom;
-        } else {
-            shown = picture.scaled(square.size(), Qt::KeepAspectRatio);
-            shown = shown.expandedTo(QSize(1, 1));
-        }
-        return QRect(square.x() + (square.width() - shown.width()) / 2, square.y() + (square.height() - shown.height()) / 2,
-                     shown.width(), shown.height());
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
@@ -101,7 +99,7 @@ public:
         const auto state = static_cast<Thumbnail::State>(index.data(GalleryModel::StateRole).toInt());
         if (state == Thumbnail::State::Ready) {
             const QImage image = index.data(Qt::DecorationRole).value<QImage>();
-            const QRect target = pictureRect(image.size(), square);
+            const QRect target = tilePictureRect(image.size(), square);
             painter->setBrushOrigin(target.topLeft());
             painter->fillRect(target, checkerboard());
             painter->setRenderHint(QPainter::SmoothPixmapTransform, false);   // every pixel a sharp square

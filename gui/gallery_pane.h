@@ -5,6 +5,7 @@
 // the request goes to the window, the Workspace selects the row, and both views then show it.
 
 #include <QObject>
+#include <QRect>
 
 #include <memory>
 
@@ -25,6 +26,10 @@ class GalleryModel;
 class PictureListModel;
 class ThumbnailCache;
 class TileDelegate;
+
+// Where a picture is drawn in a tile's square: enlarged by the largest whole factor that fits
+// (every pixel stays a sharp square), or shrunk to fit when it is larger; centred.
+QRect tilePictureRect(QSize picture, const QRect& square);
 
 class GalleryPane : public QObject {
     Q_OBJECT
