@@ -137,6 +137,28 @@ private slots:
         QVERIFY(tilePictureRect({0, 5}, square).isEmpty());
     }
 
+    // The workers keep the bytes they read: a fullflash closed under them is released only
+    // when they are done, and a cache started over or closed midway drops its work safely.
+    void theWorkersOutliveAClosedFullflashAndACacheStartedOver() {
+        auto opened = app::ReadOnlyFile::open(demoFlashPath().toStdString(), std::uint64_t{1} << 30);
+        QVERIFY(opened.ok());
+        std::shared_ptr<const app::ReadOnlyFile> flash = std::move(opened.value());
+        const std::weak_ptr<const app::ReadOnlyFile> watch = flash;
+        const std::vector<firmware::PictureRecord> records = m_window->workspace().ListView1;
+        {
+            ThumbnailCache cache;
+            for (int n = 0; n < 20; ++n) cache.reset(flash, records);
+            QSignalSpy finished(&cache, &ThumbnailCache::finished);
+            flash.reset();   // closed: only the workers hold the bytes now
+            QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 10000);
+            QCOMPARE(cache.readyCount(), 1701);
+            QCOMPARE(cache.at(0).image.size(), QSize(240, 320));
+            QTRY_VERIFY(watch.expired());   // and let go of them once done
+        }
+        ThumbnailCache closedAtOnce;
+        closedAtOnce.reset(m_window->workspace().firmware, records);
+    }
+
     void aTileAndARowShareOneSelection() {
         const app::Workspace& ws = m_window->workspace();
         const GalleryModel& model = m_gallery->model();
