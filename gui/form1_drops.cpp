@@ -7,10 +7,12 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMenu>
+#include <QListView>
 #include <QMimeData>
 #include <QTreeView>
 
 #include "form1.h"
+#include "gallery_pane.h"
 #include "preview_widget.h"
 #include "qt_text.h"
 
@@ -54,7 +56,7 @@ std::optional<int> pictureNumberOf(const QString& path) {
 void Form1::installDropTargets() {
     setAcceptDrops(true);
     for (QWidget* target : {static_cast<QWidget*>(m_pictureList->viewport()), static_cast<QWidget*>(m_glyphList->viewport()),
-                            static_cast<QWidget*>(m_preview)}) {
+                            static_cast<QWidget*>(m_preview), m_gallery->view()->viewport()}) {
         target->setAcceptDrops(true);
         target->installEventFilter(this);
     }
@@ -71,6 +73,8 @@ bool Form1::eventFilter(QObject* watched, QEvent* event) {
     const QPoint at = drop->position().toPoint();
     if (watched == m_pictureList->viewport()) {
         dropFiles(files, DropOn::Picture, m_pictureList->indexAt(at).row(), m_pictureList->viewport()->mapToGlobal(at));
+    } else if (QListView* tiles = m_gallery->view(); watched == tiles->viewport()) {
+        dropFiles(files, DropOn::Picture, tiles->indexAt(at).row(), tiles->viewport()->mapToGlobal(at));
     } else if (watched == m_glyphList->viewport()) {
         dropFiles(files, DropOn::Glyph, m_glyphList->indexAt(at).row(), m_glyphList->viewport()->mapToGlobal(at));
     } else {

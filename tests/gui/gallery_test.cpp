@@ -236,11 +236,14 @@ private slots:
     }
 
     void aReplacedPictureIsMarkedAndAnotherFullflashStartsOver() {
-        const QString file = freshFolder(QStringLiteral("gallery")) + QStringLiteral("/12.gpf2");
+        // A container dropped on a tile replaces that tile's picture, as on a list row.
+        const QString file = freshFolder(QStringLiteral("gallery")) + QStringLiteral("/any name.gpf2");
         QVERIFY(QFile::copy(demoPictureGpf2(12), file));
         QSignalSpy changed(&m_gallery->model(), &QAbstractItemModel::dataChanged);
-        ModalAnswerer answers;   // the summary of the drop, and the question about the waiting patch
-        drop({file});
+        ModalAnswerer answers;
+        QListView* view = m_gallery->view();
+        view->scrollTo(m_gallery->model().index(12, 0));
+        drop({file}, view->viewport(), view->visualRect(m_gallery->model().index(12, 0)).center());
         QVERIFY(m_window->workspace().ListView1[12].replaced);
         QVERIFY(m_gallery->model().index(12, 0).data(GalleryModel::ReplacedRole).toBool());
         QVERIFY(!m_gallery->model().index(11, 0).data(GalleryModel::ReplacedRole).toBool());
@@ -281,16 +284,16 @@ private:
         for (int row = 0; row < m_gallery->model().rowCount(); ++row) n += !m_gallery->view()->isRowHidden(row);
         return n;
     }
-    void drop(const QStringList& files) {
+    void drop(const QStringList& files, QWidget* target = nullptr, QPoint at = {600, 600}) {
+        if (!target) target = m_window.get();
         QMimeData mime;
         QList<QUrl> urls;
         for (const QString& f : files) urls << QUrl::fromLocalFile(f);
         mime.setUrls(urls);
-        const QPoint at(600, 600);
         QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_window.get(), &enter);
+        QCoreApplication::sendEvent(target, &enter);
         QDropEvent dropped(QPointF(at), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_window.get(), &dropped);
+        QCoreApplication::sendEvent(target, &dropped);
     }
     std::unique_ptr<Form1> m_window;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
