@@ -36,3 +36,7 @@ if [ -x "$build/bench/korvatek_editor_bench" ]; then
   echo "== editors and text preview (offscreen)"
   QT_QPA_PLATFORM=offscreen "$build/bench/korvatek_editor_bench" 2>/dev/null
 fi
+if [ -x "$build/bench/korvatek_gallery_bench" ]; then
+  echo "== picture gallery (offscreen)"
+  QT_QPA_PLATFORM=offscreen "$build/bench/korvatek_gallery_bench" 2>/dev/null
+fi

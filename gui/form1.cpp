@@ -5,6 +5,9 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QListView>
+#include <QSlider>
+#include <QToolButton>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -25,6 +28,7 @@
 #include "batch_cancel.h"
 #include "canvas_image.h"
 #include "command_line.h"
+#include "gallery_pane.h"
 #include "glyph_list_model.h"
 #include "list_filter.h"
 #include "text_preview.h"
@@ -121,11 +125,15 @@ void Form1::buildWidgets() {
         return query.matches(m_ws.ListView2[static_cast<std::size_t>(row)]);
     }, listPane);
     m_glyphFilter->box()->setObjectName(QStringLiteral("FindGlyphs"));
+    m_gallery = new GalleryPane(m_ws, m_pictureModel, [this](int row) { pictureRowRequested(row); }, listPane);
+    m_pictureFilter->alsoFilter(m_gallery->view());
     auto* findRow = new QHBoxLayout;
     for (ListFilter* filter : {m_pictureFilter, m_glyphFilter}) {
         findRow->addWidget(filter->box(), 1);
         findRow->addWidget(filter->count());
     }
+    findRow->addWidget(m_gallery->slider());
+    findRow->addWidget(m_gallery->toggle());
 
     auto* listLayout = new QVBoxLayout(listPane);
     listLayout->setContentsMargins(6, 6, 0, 0);
@@ -134,6 +142,7 @@ void Form1::buildWidgets() {
     listLayout->addWidget(m_fontSelector, 0, Qt::AlignLeft);
     listLayout->addLayout(findRow);
     listLayout->addWidget(m_pictureList);
+    listLayout->addWidget(m_gallery->view());
     listLayout->addWidget(m_glyphList);
 
     auto* previewPane = new QWidget;
@@ -196,6 +205,9 @@ void Form1::buildWidgets() {
             [this](const QPoint& at) { showPopup(m_pictureList, m_picturePopup, at); });
     connect(m_glyphList, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { showPopup(m_glyphList, m_glyphPopup, at); });
+    connect(m_gallery->view(), &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { showPopup(m_gallery->view(), m_picturePopup, at); });
+    connect(m_gallery, &GalleryPane::toggled, this, &Form1::showTab);
 }
 
 // ---- start-up and commands
@@ -280,7 +292,7 @@ void Form1::glyphRowRequested(int row) {
     });
 }
 
-void Form1::showPopup(QTreeView* list, QMenu* popup, const QPoint& position) {
+void Form1::showPopup(QAbstractItemView* list, QMenu* popup, const QPoint& position) {
     // A list without rows has no popup.
     if (list->model()->rowCount() == 0) return;
     m_popupPresenter(*popup, list->viewport()->mapToGlobal(position));
@@ -297,6 +309,7 @@ void Form1::refreshFromWorkspace() {
     m_pictureFilter->apply();
     m_glyphFilter->apply();
     m_pictureSelection->show(m_ws.ListView1Selected);
+    m_gallery->refresh();
     m_glyphSelection->show(m_ws.ListView2Selected);
     fillFontSelector();
     updateCommandStates();
@@ -346,7 +359,8 @@ void Form1::showPreview() {
 
 void Form1::showTab() {
     const bool fonts = m_ws.TabStrip1 == 2;
-    m_pictureList->setVisible(!fonts);
+    m_pictureList->setVisible(!fonts && !m_gallery->isOn());
+    m_gallery->showOnTab(!fonts);
     m_glyphList->setVisible(fonts);
     m_pictureFilter->box()->setVisible(!fonts);
     m_pictureFilter->count()->setVisible(!fonts);

@@ -18,6 +18,7 @@
 #include "desktop/file_association.h"
 #include "app/settings_store.h"
 
+class QAbstractItemView;
 class QAction;
 class QCheckBox;
 class QDockWidget;
@@ -36,6 +37,7 @@ class QTreeView;
 namespace korvatek::gui {
 
 class BatchCancel;
+class GalleryPane;
 class GlyphListModel;
 class OptionsDialog;
 class PictureListModel;
@@ -110,6 +112,7 @@ public:
     app::Workspace& workspace() { return m_ws; }
     PictureListModel& pictureModel() { return *m_pictureModel; }
     GlyphListModel& glyphModel() { return *m_glyphModel; }
+    GalleryPane& gallery() { return *m_gallery; }
 
 private:
     void buildWidgets();
@@ -132,7 +135,7 @@ private:
     void resizeListColumns();
     void pictureRowRequested(int row);
     void glyphRowRequested(int row);
-    void showPopup(QTreeView* list, QMenu* popup, const QPoint& position);
+    void showPopup(QAbstractItemView* list, QMenu* popup, const QPoint& position);
 
     void buildPendingPanel();
     void refreshPending();
@@ -155,6 +158,7 @@ private:
     TextPreview* m_textPreview = nullptr;
     ListFilter* m_pictureFilter = nullptr;
     ListFilter* m_glyphFilter = nullptr;
+    GalleryPane* m_gallery = nullptr;   // the pictures as tiles, instead of the list when on
     std::vector<char> m_decodable;   // per picture: 1 when it can be decoded (asked by the search)
     bool pictureDecodable(int row);
     GlyphListModel* m_glyphModel = nullptr;

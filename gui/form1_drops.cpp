@@ -10,11 +10,13 @@
 #include <QFileInfo>
 #include <QFrame>
 #include <QMenu>
+#include <QListView>
 #include <QMimeData>
 #include <QTreeView>
 
 #include "app/batch_cancel.h"
 #include "form1.h"
+#include "gallery_pane.h"
 #include "preview_widget.h"
 #include "qt_text.h"
 
@@ -58,7 +60,7 @@ std::optional<int> pictureNumberOf(const QString& path) {
 void Form1::installDropTargets() {
     setAcceptDrops(true);
     for (QWidget* target : {static_cast<QWidget*>(m_pictureList->viewport()), static_cast<QWidget*>(m_glyphList->viewport()),
-                            static_cast<QWidget*>(m_preview)}) {
+                            static_cast<QWidget*>(m_preview), m_gallery->view()->viewport()}) {
         target->setAcceptDrops(true);
         target->installEventFilter(this);
     }
@@ -119,6 +121,8 @@ bool Form1::eventFilter(QObject* watched, QEvent* event) {
     markDropTarget(nullptr, {});
     if (watched == m_pictureList->viewport()) {
         dropFiles(files, DropOn::Picture, m_pictureList->indexAt(at).row(), m_pictureList->viewport()->mapToGlobal(at));
+    } else if (QListView* tiles = m_gallery->view(); watched == tiles->viewport()) {
+        dropFiles(files, DropOn::Picture, tiles->indexAt(at).row(), tiles->viewport()->mapToGlobal(at));
     } else if (watched == m_glyphList->viewport()) {
         dropFiles(files, DropOn::Glyph, m_glyphList->indexAt(at).row(), m_glyphList->viewport()->mapToGlobal(at));
     } else {

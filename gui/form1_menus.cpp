@@ -15,6 +15,7 @@
 
 #include "accessible_text.h"
 #include "form1.h"
+#include "gallery_pane.h"
 #include "list_filter.h"
 #include "pixel_editor.h"
 #include "preview_widget.h"
@@ -241,6 +242,7 @@ void Form1::retranslate() {
                               text(MessageKey::MsgFindUnread));
     m_glyphFilter->setTexts(text(MessageKey::MsgFindGlyphs), text(MessageKey::MsgFindName), text(MessageKey::MsgFindCount),
                             text(MessageKey::MsgFindUnread));
+    m_gallery->retranslate();
 }
 
 void Form1::editPicture() {

@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QTreeView>
 
 #include "qt_text.h"
@@ -40,13 +41,16 @@ void ListFilter::apply() {
         m_shown = rows;
     } else {
         m_list->setUpdatesEnabled(false);
+        if (m_tiles) m_tiles->setUpdatesEnabled(false);
         m_shown = 0;
         for (int row = 0; row < rows; ++row) {
             const bool shown = everything || m_matches(row, query);
             if (m_list->isRowHidden(row, {}) == shown) m_list->setRowHidden(row, {}, !shown);
+            if (m_tiles && m_tiles->isRowHidden(row) == shown) m_tiles->setRowHidden(row, !shown);
             m_shown += shown ? 1 : 0;
         }
         m_list->setUpdatesEnabled(true);
+        if (m_tiles) m_tiles->setUpdatesEnabled(true);
         m_filtering = !everything;
     }
     m_count->setText(everything ? QString() : QString(m_countText).arg(m_shown).arg(rows));

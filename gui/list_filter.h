@@ -13,6 +13,7 @@
 
 class QLabel;
 class QLineEdit;
+class QListView;
 class QTreeView;
 class QWidget;
 
@@ -31,9 +32,12 @@ public:
     void setTexts(const QString& placeholder, const QString& accessibleName, const QString& countText,
                   const QString& unreadText);
     int shownRows() const { return m_shown; }
+    // Another view of the same rows (the gallery) hides what the list hides.
+    void alsoFilter(QListView* view) { m_tiles = view; }
 
 private:
     QTreeView* m_list;
+    QListView* m_tiles = nullptr;
     edit::QueryFor m_what;
     std::function<bool(int, const edit::RecordQuery&)> m_matches;
     QLineEdit* m_box;

@@ -172,6 +172,16 @@ enum class MessageKey : int {
     MsgRowBitsCompressed, // "%1-bit compressed",
     MsgRowUnknownType,    // or "type %1 unknown" (hex)
     MsgRowReplaced,       // added after a row whose replacement waits in the patch
+    MsgGalleryName,       // the picture gallery's accessible name
+    MsgGalleryDescription, // and its description: how to use it
+    MsgGalleryToggle,     // the toggle beside the search box: tooltip and accessible name
+    MsgGallerySize,       // the tile-size slider: tooltip and accessible name
+    MsgGalleryTile,       // a tile: "Picture %1, %2 by %3"
+    MsgGalleryDepth,      // + "%1-bit"
+    MsgGalleryCompressed, // + "%1-bit compressed"
+    MsgGalleryUndecodable, // + "cannot be shown: %1" (the reason)
+    MsgGalleryReplaced,   // + that a replacement waits in the patch
+    MsgGalleryNoPixels,   // the reason for a picture of width or height 0
     Count
 };
 

@@ -116,12 +116,14 @@ TEST(MessageRows, lineUpWithTheirKeys) {
         {MsgPendingEmpty, "Nothing is waiting to be written to a patch."},
         {MsgCancelledPictures, "Cancelled after %1 of %2 pictures."},
         {MsgRowReplaced, "replaced, waiting in the patch"},
+        {MsgGalleryName, "Picture gallery"},
+        {MsgGalleryNoPixels, "it has no pixels"},
         {MsgStoredDescription,
          "The edited picture as it will be stored for the chosen type, its colours rounded as the phone keeps them"},
     };
     const LanguageTexts& en = LanguageEN();
     for (const auto& [key, text] : pinned) EXPECT_EQ(en.messages[static_cast<std::size_t>(key)], text) << static_cast<int>(key);
-    EXPECT_EQ(static_cast<std::size_t>(MsgRowReplaced) + 1, kMessageCount) << "the last key is the last row";
+    EXPECT_EQ(static_cast<std::size_t>(MsgGalleryNoPixels) + 1, kMessageCount) << "the last key is the last row";
 }
 
 using enum CaptionKey;
