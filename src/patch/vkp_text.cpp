@@ -39,13 +39,35 @@ std::string patchLine(std::uint64_t offset, ByteView oldBytes, ByteView newBytes
     return line;
 }
 
+namespace {
+
+void appendHex(std::string& text, ByteView bytes) {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    for (const std::uint8_t b : bytes) {
+        text += digits[b >> 4];
+        text += digits[b & 0x0F];
+    }
+}
+
+}  // namespace
+
 std::string patchLines(ByteView image, std::uint64_t offset, ByteView newBytes) {
+    // Written straight into one string: a picture's data are hundreds of lines, and planning a
+    // patch again after a change is taken back writes them all.
     std::string text;
+    text.reserve((newBytes.size() / 16 + 1) * (12 + 2 * 33 + std::char_traits<char>::length(kLineEnd)));
     ByteReader old(image, offset);
+    std::uint8_t oldBytes[16];
     for (std::size_t at = 0; at < newBytes.size(); at += 16) {
         const std::size_t n = std::min<std::size_t>(16, newBytes.size() - at);
-        const Bytes oldBytes = old.bytes(n);
-        text += patchLine(offset + at, oldBytes, newBytes.subspan(at, n)) + kLineEnd;
+        old.read(oldBytes, n);
+        text += '0';
+        text += app::hexText(offset + at);
+        text += ": ";
+        appendHex(text, ByteView(oldBytes, n));
+        text += ' ';
+        appendHex(text, newBytes.subspan(at, n));
+        text += kLineEnd;
     }
     return text;
 }
