@@ -1,5 +1,6 @@
 #include "gallery_model.h"
 
+#include "accessible_text.h"
 #include "app/error_message.h"
 #include "picture_list_model.h"
 #include "qt_text.h"
@@ -52,18 +53,19 @@ QVariant GalleryModel::data(const QModelIndex& index, int role) const {
     }
 }
 
-// "Picture 5, 16 by 16, 16-bit compressed", or why it cannot be shown.
+// Read as the list row is ("Picture 5, 16 by 16, 16-bit compressed"), with the depth the
+// thumbnail was decoded with once it is there, or why it cannot be shown.
 QString GalleryModel::describe(int row) const {
     const auto text = [&](MessageKey key) { return toQString(m_messages.text(key)); };
-    const auto cell = [&](int column) { return QIdentityProxyModel::data(index(row, column), Qt::DisplayRole).toString(); };
-    QString sentence =
-        text(MessageKey::MsgGalleryTile).arg(cell(0).toInt()).arg(cell(kWidthColumn), cell(kHeightColumn));
+    const auto* rows = static_cast<const PictureListModel*>(sourceModel());
+    QString sentence = pictureAccessibleText(m_messages, *rows, row, 1);
     if (row < m_cache.rows()) {
         const Thumbnail& thumbnail = m_cache.at(row);
         if (thumbnail.state == Thumbnail::State::Ready) {
-            sentence += QStringLiteral(", ") +
-                        text(thumbnail.compressed ? MessageKey::MsgGalleryCompressed : MessageKey::MsgGalleryDepth)
-                            .arg(thumbnail.bits);
+            const auto cell = [&](int column) { return rows->cellText(row, column); };
+            sentence = text(MessageKey::MsgRowPicture)
+                           .arg(QString::number(cell(1).toInt()), cell(3), cell(4),
+                                depthWords(m_messages, thumbnail.bits, thumbnail.compressed, cell(5)));
         } else if (thumbnail.state == Thumbnail::State::Failed) {
             const QString reason = thumbnail.error ? toQString(app::errorText(m_messages, *thumbnail.error))
                                    : thumbnail.empty ? text(MessageKey::MsgGalleryNoPixels)
@@ -71,7 +73,8 @@ QString GalleryModel::describe(int row) const {
             sentence += QStringLiteral(", ") + text(MessageKey::MsgGalleryUndecodable).arg(reason);
         }
     }
-    if (!cell(kMarkColumn).isEmpty()) sentence += QStringLiteral(", ") + text(MessageKey::MsgGalleryReplaced);
+    const QString mark = pictureAccessibleText(m_messages, *rows, row, rows->columnCount());
+    if (!mark.isEmpty()) sentence += QStringLiteral(", ") + mark;
     return sentence;
 }
 

@@ -176,11 +176,7 @@ enum class MessageKey : int {
     MsgGalleryDescription, // and its description: how to use it
     MsgGalleryToggle,     // the toggle beside the search box: tooltip and accessible name
     MsgGallerySize,       // the tile-size slider: tooltip and accessible name
-    MsgGalleryTile,       // a tile: "Picture %1, %2 by %3"
-    MsgGalleryDepth,      // + "%1-bit"
-    MsgGalleryCompressed, // + "%1-bit compressed"
     MsgGalleryUndecodable, // + "cannot be shown: %1" (the reason)
-    MsgGalleryReplaced,   // + that a replacement waits in the patch
     MsgGalleryNoPixels,   // the reason for a picture of width or height 0
     Count
 };

@@ -176,11 +176,7 @@ const LanguageTexts& LanguageEN() {
             "Thumbnails of all pictures. The arrow keys move between them; the chosen picture is shown in the preview",
             "Show the pictures as thumbnails",
             "Thumbnail size",
-            "Picture %1, %2 by %3",
-            "%1-bit",
-            "%1-bit compressed",
             "cannot be shown: %1",
-            "replacement waiting in the patch",
             "it has no pixels",
         },
         {

@@ -176,11 +176,7 @@ const LanguageTexts& LanguagePL() {
             "Miniatury wszystkich obrazków. Strzałki przechodzą między nimi; wybrany obrazek widać w podglądzie",
             "Pokaż obrazki jako miniatury",
             "Rozmiar miniatur",
-            "Obrazek %1, %2 na %3",
-            "%1-bitowy",
-            "%1-bitowy, skompresowany",
             "nie można wyświetlić: %1",
-            "zamiennik czeka w łatce",
             "nie ma żadnych pikseli",
         },
         {

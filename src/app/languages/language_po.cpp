@@ -176,11 +176,7 @@ const LanguageTexts& LanguagePO() {
             "Miniaturas de todas as imagens. As setas passam de uma para outra; a imagem escolhida aparece na pré-visualização",
             "Mostrar as imagens como miniaturas",
             "Tamanho das miniaturas",
-            "Imagem %1, %2 por %3",
-            "%1 bits",
-            "%1 bits, compactada",
             "não pode ser exibida: %1",
-            "substituição aguardando no patch",
             "ela não tem nenhum pixel",
         },
         {

@@ -176,11 +176,7 @@ const LanguageTexts& LanguageSL() {
             "Náhľady všetkých obrázkov. Šípkami sa medzi nimi presúvate; vybraný obrázok sa zobrazí v náhľade",
             "Zobraziť obrázky ako náhľady",
             "Veľkosť náhľadov",
-            "Obrázok %1, %2 × %3",
-            "%1-bitový",
-            "%1-bitový, komprimovaný",
             "nedá sa zobraziť: %1",
-            "náhrada čaká v patchi",
             "nemá žiadne pixely",
         },
         {
