@@ -12,7 +12,7 @@ std::optional<std::string> Arguments::value(const std::string& option) const {
     return it->second;
 }
 
-Arguments parseArguments(const std::string& title, const std::string& usage, const std::vector<OptionSpec>& options,
+Arguments parseArguments(const std::string& title, const std::string& usage, const std::vector<DeclaredOption>& options,
                          const std::vector<std::string>& words) {
     Arguments args;
     CLI::App app{title + "\nusage: korvatek-cli " + usage + "\n", "korvatek-cli " + usage.substr(0, usage.find(' '))};
@@ -20,29 +20,29 @@ Arguments parseArguments(const std::string& title, const std::string& usage, con
     app.allow_windows_style_options(false);
     std::vector<std::string> positional;
     app.add_option("ARGS", positional, "see the usage line");
-    std::vector<std::pair<CLI::Option*, const OptionSpec*>> declared;
+    std::vector<std::pair<CLI::Option*, const DeclaredOption*>> declared;
     std::map<std::string, std::vector<std::string>> repeated;  // map nodes stay put: CLI11 keeps references
     std::map<std::string, std::string> single;
     std::map<std::string, bool> flags;
-    for (const OptionSpec& spec : options) {
+    for (const DeclaredOption& declaration : options) {
         CLI::Option* option = nullptr;
-        switch (spec.kind) {
-            case OptionSpec::Kind::Value:
-                option = app.add_option(spec.name, single[spec.name], spec.description);
+        switch (declaration.kind) {
+            case DeclaredOption::Kind::Value:
+                option = app.add_option(declaration.name, single[declaration.name], declaration.description);
                 break;
-            case OptionSpec::Kind::Flag:
-                option = app.add_flag(spec.name, flags[spec.name], spec.description);
+            case DeclaredOption::Kind::Flag:
+                option = app.add_flag(declaration.name, flags[declaration.name], declaration.description);
                 break;
-            case OptionSpec::Kind::Repeated: {
-                option = app.add_option(spec.name, repeated[spec.name], spec.description)
+            case DeclaredOption::Kind::Repeated: {
+                option = app.add_option(declaration.name, repeated[declaration.name], declaration.description)
                              ->expected(1)
                              ->allow_extra_args(false)
                              ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
                 break;
             }
         }
-        if (spec.kind != OptionSpec::Kind::Flag) option->type_name(spec.valueName);
-        declared.emplace_back(option, &spec);
+        if (declaration.kind != DeclaredOption::Kind::Flag) option->type_name(declaration.valueName);
+        declared.emplace_back(option, &declaration);
     }
     std::vector<std::string> reversed(words.rbegin(), words.rend());  // CLI11 takes them last first
     try {
@@ -62,17 +62,17 @@ Arguments parseArguments(const std::string& title, const std::string& usage, con
             args.ordered.emplace_back(std::string(), positional[positionalIndex++]);
             continue;
         }
-        for (const auto& [declaredOption, spec] : declared) {
-            if (declaredOption != option || spec->kind != OptionSpec::Kind::Repeated) continue;
+        for (const auto& [declaredOption, declaration] : declared) {
+            if (declaredOption != option || declaration->kind != DeclaredOption::Kind::Repeated) continue;
             const auto results = option->results();
-            args.ordered.emplace_back(spec->name, results[next[option]++]);
+            args.ordered.emplace_back(declaration->name, results[next[option]++]);
         }
     }
     args.positional = positional;
-    for (const auto& [option, spec] : declared) {
+    for (const auto& [option, declaration] : declared) {
         if (option->count() == 0) continue;
-        if (spec->kind == OptionSpec::Kind::Flag) args.flags.insert(spec->name);
-        if (spec->kind == OptionSpec::Kind::Value) args.values[spec->name] = single[spec->name];
+        if (declaration->kind == DeclaredOption::Kind::Flag) args.flags.insert(declaration->name);
+        if (declaration->kind == DeclaredOption::Kind::Value) args.values[declaration->name] = single[declaration->name];
     }
     // Empty texts where a file, a number or a value belongs.
     for (const auto& [option, word] : args.ordered) {

@@ -12,7 +12,7 @@
 
 namespace korvatek::cli {
 
-struct OptionSpec {
+struct DeclaredOption {
     enum class Kind { Value, Flag, Repeated };
     const char* name;         // "-o", "--alpha"
     Kind kind;
@@ -35,7 +35,7 @@ struct Arguments {
 
 // Reads the words after the command name. `title` heads the generated help, `usage` follows
 // "korvatek-cli ".
-Arguments parseArguments(const std::string& title, const std::string& usage, const std::vector<OptionSpec>& options,
+Arguments parseArguments(const std::string& title, const std::string& usage, const std::vector<DeclaredOption>& options,
                          const std::vector<std::string>& words);
 
 // A picture or glyph number: decimal digits, possibly zero-padded.

@@ -22,7 +22,7 @@ struct Command {
     const char* usage;    // after "korvatek-cli "
     const char* summary;
     int (*run)(const Arguments& args);
-    std::vector<OptionSpec> options;
+    std::vector<DeclaredOption> options;
 };
 
 const std::vector<Command>& commands();

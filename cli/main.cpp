@@ -26,10 +26,10 @@ void printHelp(std::FILE* out) {
 }  // namespace
 
 const std::vector<Command>& commands() {
-    using Kind = OptionSpec::Kind;
-    const OptionSpec output{"-o", Kind::Value, "the file to write (- for standard output where allowed)", "OUT"};
-    const OptionSpec json{"--json", Kind::Flag, "print the result as one JSON document (fields in the README)"};
-    const OptionSpec alpha{"--alpha", Kind::Flag, "keep the alpha channel of 24-bit pictures (a 32-bit BMP)"};
+    using Kind = DeclaredOption::Kind;
+    const DeclaredOption output{"-o", Kind::Value, "the file to write (- for standard output where allowed)", "OUT"};
+    const DeclaredOption json{"--json", Kind::Flag, "print the result as one JSON document (fields in the README)"};
+    const DeclaredOption alpha{"--alpha", Kind::Flag, "keep the alpha channel of 24-bit pictures (a 32-bit BMP)"};
     static const std::vector<Command> list{
         {"info", "info FLASH [--json]", "open and identify a fullflash", runInfo, {json}},
         {"pictures", "pictures FLASH [--json]", "list the picture table", runPictures, {json}},
