@@ -1,5 +1,8 @@
 #include "canvas_image.h"
 
+#include "edit/picture_decode.h"
+#include "edit/picture_files.h"
+
 namespace korvatek::gui {
 
 QImage canvasImage(const codec::PixelCanvas& canvas, int width, int height) {
@@ -13,6 +16,24 @@ QImage canvasImage(const codec::PixelCanvas& canvas, int width, int height) {
         }
     }
     return image;
+}
+
+QImage flashPictureImage(ByteView flash, const firmware::PictureRecord& record) {
+    codec::PixelCanvas canvas;
+    const edit::DecodedPicture decoded = edit::decodeFlashPicture(flash, record, 24, 0, canvas);
+    if (decoded.stopped || decoded.refused) return {};
+    return canvasImage(canvas, decoded.width, decoded.height);
+}
+
+QImage containerImage(ByteView container) {
+    ByteReader in(container);
+    const auto head = edit::readContainerHead(in, false);
+    if (!head) return {};
+    codec::PixelCanvas canvas;
+    const edit::DecodedPicture decoded =
+        edit::decodeContainerData(in, head->width, head->height, head->typeText, 24, 0, canvas);
+    if (decoded.stopped || decoded.refused) return {};
+    return canvasImage(canvas, decoded.width, decoded.height);
 }
 
 }  // namespace korvatek::gui

@@ -142,6 +142,8 @@ private:
     void retranslatePending();
     // The selected picture's pending replacement, when the toggle asks for it; null otherwise.
     QImage shownReplacement() const;
+    // The waiting replacement of the selected picture, if it has one.
+    const app::PendingPicture* selectedPending() const;
     PendingPanel* m_pendingPanel = nullptr;
     QDockWidget* m_pendingDock = nullptr;
     QToolButton* m_pendingToggle = nullptr;

@@ -11,7 +11,6 @@
 #include <QVBoxLayout>
 
 #include "canvas_image.h"
-#include "edit/picture_files.h"
 #include "form1.h"
 #include "pending_panel.h"
 #include "qt_text.h"
@@ -99,11 +98,8 @@ void Form1::refreshPending() {
     m_pendingToggle->setText(toQString(m_ws.msg(MessageKey::MsgPendingTitle)) + QStringLiteral(": %1").arg(count));
     m_pendingDock->setWindowTitle(m_pendingToggle->text());
 
-    bool pending = false;
-    for (const auto& picture : m_ws.pendingPictures())
-        pending = pending || (picture.record.number == m_ws.ListView1Selected && picture.flash == m_ws.firmware);
     // Only there when the selected picture has a replacement waiting.
-    m_showReplacement->setVisible(pending && m_ws.TabStrip1 == 1);
+    m_showReplacement->setVisible(selectedPending() != nullptr && m_ws.TabStrip1 == 1);
 }
 
 void Form1::retranslatePending() {
@@ -119,19 +115,16 @@ void Form1::retranslatePending() {
     refreshPending();
 }
 
+const app::PendingPicture* Form1::selectedPending() const {
+    for (const auto& picture : m_ws.pendingPictures())
+        if (picture.record.number == m_ws.ListView1Selected && picture.flash == m_ws.firmware) return &picture;
+    return nullptr;
+}
+
 QImage Form1::shownReplacement() const {
     if (m_showReplacement == nullptr || !m_showReplacement->isChecked() || m_ws.TabStrip1 != 1) return {};
-    for (const auto& picture : m_ws.pendingPictures()) {
-        if (picture.record.number != m_ws.ListView1Selected || picture.flash != m_ws.firmware) continue;
-        ByteReader in(*picture.container);
-        const auto head = edit::readContainerHead(in, false);
-        if (!head) return {};
-        codec::PixelCanvas canvas;
-        const auto decoded = edit::decodeContainerData(in, head->width, head->height, head->typeText, 24, 0, canvas);
-        if (decoded.stopped || decoded.refused) return {};
-        return canvasImage(canvas, decoded.width, decoded.height);
-    }
-    return {};
+    const app::PendingPicture* pending = selectedPending();
+    return pending != nullptr ? containerImage(*pending->container) : QImage();
 }
 
 void Form1::offerJournalRestore() {

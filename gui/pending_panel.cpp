@@ -14,7 +14,6 @@
 
 #include "base/hex_text.h"
 #include "canvas_image.h"
-#include "edit/picture_files.h"
 #include "edit/text_render.h"
 #include "qt_text.h"
 
@@ -34,24 +33,6 @@ QImage thumbnail(const QImage& image) {
     }
     return image.scaled(PendingChangesModel::kThumbnail, PendingChangesModel::kThumbnail, Qt::KeepAspectRatio,
                         Qt::FastTransformation);
-}
-
-QImage flashPicture(ByteView flash, const firmware::PictureRecord& record) {
-    codec::PixelCanvas canvas;
-    const edit::DecodedPicture decoded = edit::decodeFlashPicture(flash, record, 24, 0, canvas);
-    if (decoded.stopped || decoded.refused) return {};
-    return canvasImage(canvas, decoded.width, decoded.height);
-}
-
-QImage containerPicture(const Bytes& container) {
-    ByteReader in(container);
-    const auto head = edit::readContainerHead(in, false);
-    if (!head) return {};
-    codec::PixelCanvas canvas;
-    const edit::DecodedPicture decoded =
-        edit::decodeContainerData(in, head->width, head->height, head->typeText, 24, 0, canvas);
-    if (decoded.stopped || decoded.refused) return {};
-    return canvasImage(canvas, decoded.width, decoded.height);
 }
 
 QImage gridImage(const edit::PixelGrid& grid) {
@@ -81,8 +62,8 @@ void PendingChangesModel::read() {
     for (const app::PendingPicture& p : m_ws.pendingPictures()) {
         Row row;
         row.number = p.record.number;
-        if (p.flash) row.before = thumbnail(flashPicture(p.flash->bytes(), p.record));
-        row.after = thumbnail(containerPicture(*p.container));
+        if (p.flash) row.before = thumbnail(flashPictureImage(p.flash->bytes(), p.record));
+        row.after = thumbnail(containerImage(*p.container));
         const bool moved = p.kind == edit::PicturePlacement::Kind::Moved;
         row.where = text(moved ? MessageKey::MsgPendingMoved : MessageKey::MsgPendingInPlace) +
                     toQString(app::hexText(p.address));
