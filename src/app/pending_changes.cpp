@@ -3,6 +3,7 @@
 #include <charconv>
 #include <sstream>
 
+#include "base/hex_text.h"
 #include "firmware/free_space.h"
 
 namespace korvatek::app {
@@ -12,14 +13,8 @@ namespace {
 constexpr std::string_view kJournalMagic = "Korvatek pending changes 1";
 
 std::string hexOf(ByteView bytes) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(bytes.size() * 2);
-    for (std::uint8_t b : bytes) {
-        text += digits[b >> 4];
-        text += digits[b & 15];
-    }
-    return text.empty() ? "-" : text;   // a word is never empty, so a line always splits the same way
+    // A word is never empty, so a line always splits the same way.
+    return bytes.empty() ? "-" : ASCtext2HEXtext(bytes, false);
 }
 
 std::optional<Bytes> bytesOfHex(std::string_view text) {

@@ -52,13 +52,8 @@ void Workspace::replanPictures() {
         ++it;
     }
     FreeSpaceStart = hexText(freeSpace);
+    if (m_pendingPictures.empty()) return endPicturePatch();
     for (auto& row : ListView1) row.replaced = false;
-    if (m_pendingPictures.empty()) {
-        PatchInProgress = false;
-        PicturePatchText.clear();
-        deleteFile(collectingPatchPath());
-        return;
-    }
     PatchInProgress = true;
     PicturePatchText = patch::pictureHeader(PhoneModel) + sections;
     (void)writeFile(collectingPatchPath(), PicturePatchText);
@@ -103,10 +98,7 @@ void Workspace::applyStep(const PendingStep& step, bool undo) {
         if (step.kind == Kind::DropPictures && !undo) {
             // Redoing a discard discards again, as the menu command does (the free space stays used).
             m_pendingPictures.clear();
-            PatchInProgress = false;
-            PicturePatchText.clear();
-            deleteFile(collectingPatchPath());
-            for (auto& row : ListView1) row.replaced = false;
+            endPicturePatch();
             return;
         }
         if (m_pendingPictures.empty()) m_freeSpaceBase = step.freeSpaceBase;
@@ -190,6 +182,16 @@ FreeSpaceGauge Workspace::freeSpaceGauge() const {
 
 // ---- the journal
 
+std::uint64_t Workspace::checksumOf(const std::shared_ptr<const ReadOnlyFile>& flash) {
+    // Worked out once per opened file (a 64 MiB image takes tens of milliseconds). A weak
+    // reference, so a later file at the same address is never taken for this one.
+    if (m_checksummed.lock() != flash) {
+        m_checksum = flashChecksum(flash->bytes());
+        m_checksummed = flash;
+    }
+    return m_checksum;
+}
+
 void Workspace::pendingChanged(bool rewrite) {
     ++m_pendingGeneration;
     if (rewrite) rewriteJournal();
@@ -204,11 +206,7 @@ void Workspace::rewriteJournal() {
     }
     const std::shared_ptr<const ReadOnlyFile> flash = m_pendingPictures.empty() ? firmware : m_pendingPictures.front().flash;
     if (!flash) return;
-    if (m_checksummed != flash.get()) {
-        m_checksum = flashChecksum(flash->bytes());
-        m_checksummed = flash.get();
-    }
-    std::string text = journalHead(flash->path(), flash->size(), m_checksum);
+    std::string text = journalHead(flash->path(), flash->size(), checksumOf(flash));
     for (const auto& picture : m_pendingPictures)
         if (picture.flash == flash) text += journalLine(m_freeSpaceBase, picture);
     for (const auto& glyph : collectedGlyphs) text += journalLine(GlyphPatchFont, glyph);
@@ -243,14 +241,8 @@ void Workspace::forgetPendingJournal() {
 
 bool Workspace::restorePendingJournal(const PendingJournal& journal) {
     if (!firmware || !sameFile(firmware->path(), journal.flashPath)) openChosenFile(journal.flashPath);
-    bool same = firmware && firmware->size() == journal.flashSize;
-    if (same) {
-        if (m_checksummed != firmware.get()) {
-            m_checksum = flashChecksum(firmware->bytes());
-            m_checksummed = firmware.get();
-        }
-        same = m_checksum == journal.flashChecksum;
-    }
+    const bool same =
+        firmware && firmware->size() == journal.flashSize && checksumOf(firmware) == journal.flashChecksum;
     if (!same) {
         showMessage(msg(MessageKey::MsgJournalFlashChanged) + journal.flashPath);
         return false;

@@ -76,7 +76,8 @@ void Workspace::AddPictureToPatch() {
                            replacement, placed.kind, placed.address, placed.length};
     rememberStep(PendingStep::Kind::AddPicture, m_pendingPictures.size(), {pending}, {});
     m_pendingPictures.push_back(std::move(pending));
-    journalAppend(journalLine(m_freeSpaceBase, m_pendingPictures.back()));
+    // The journal names one fullflash: pictures of another one opened since are not in it.
+    if (m_pendingPictures.front().flash == firmware) journalAppend(journalLine(m_freeSpaceBase, m_pendingPictures.back()));
     ++m_pendingGeneration;
 }
 
@@ -307,10 +308,7 @@ void Workspace::mnuPopup_SavePatch() {
         return;
     }
     if (!writeOutput(target, bytesOf(PicturePatchText))) return;
-    PatchInProgress = false;
-    PicturePatchText.clear();
-    deleteFile(collectingPatchPath());
-    for (auto& row : ListView1) row.replaced = false;
+    endPicturePatch();
     // Written: nothing of it is pending any more, and no step of it can be taken back.
     m_pendingPictures.clear();
     forgetSteps(true);
@@ -325,6 +323,10 @@ void Workspace::mnuPopup_DiscardPatch() {
         m_pendingPictures.clear();
         pendingChanged(true);
     }
+    endPicturePatch();
+}
+
+void Workspace::endPicturePatch() {
     PatchInProgress = false;
     PicturePatchText.clear();
     deleteFile(collectingPatchPath());

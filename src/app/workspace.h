@@ -282,6 +282,8 @@ public:
 private:
     // The pending lists changed: plan the picture patch again, mark the rows, write the journal.
     void replanPictures();
+    // No picture patch any more: its text, its collecting file and the rows' marks go.
+    void endPicturePatch();
     void markPendingGlyphs();
     void mirrorGlyphFiles();
     void pendingChanged(bool rewriteJournal);
@@ -296,7 +298,8 @@ private:
     std::vector<PendingStep> m_undo;
     std::vector<PendingStep> m_redo;
     std::uint64_t m_pendingGeneration = 0;
-    const ReadOnlyFile* m_checksummed = nullptr;          // the file m_checksum belongs to
+    std::uint64_t checksumOf(const std::shared_ptr<const ReadOnlyFile>& flash);
+    std::weak_ptr<const ReadOnlyFile> m_checksummed;      // the file m_checksum belongs to
     std::uint64_t m_checksum = 0;
     bool m_journalHasHead = false;
 
