@@ -98,18 +98,7 @@ private slots:
     }
 
 private:
-    static void drop(QWidget* target, const QStringList& files, QPoint at) {
-        QMimeData mime;
-        QList<QUrl> urls;
-        for (const QString& f : files) urls << QUrl::fromLocalFile(f);
-        mime.setUrls(urls);
-        QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &enter);
-        QVERIFY(enter.isAccepted());
-        QDropEvent dropped(QPointF(at), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &dropped);
-        QCoreApplication::processEvents();
-    }
+    static void drop(QWidget* target, const QStringList& files, QPoint at) { QVERIFY(dropFiles(target, files, at)); }
     static QString copyNamed(const QString& from, const char* name) {
         const QString to = freshFolder(QStringLiteral("named")) + QLatin1Char('/') + QLatin1String(name);
         QFile::copy(from, to);

@@ -285,15 +285,7 @@ private:
         return n;
     }
     void drop(const QStringList& files, QWidget* target = nullptr, QPoint at = {600, 600}) {
-        if (!target) target = m_window.get();
-        QMimeData mime;
-        QList<QUrl> urls;
-        for (const QString& f : files) urls << QUrl::fromLocalFile(f);
-        mime.setUrls(urls);
-        QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &enter);
-        QDropEvent dropped(QPointF(at), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &dropped);
+        dropFiles(target ? target : m_window.get(), files, at);
     }
     std::unique_ptr<Form1> m_window;
     std::unique_ptr<QAbstractItemModelTester> m_tester;

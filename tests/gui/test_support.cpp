@@ -1,5 +1,9 @@
 #include "test_support.h"
 
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
@@ -80,6 +84,19 @@ ModalAnswerer::ModalAnswerer() {
     m_timer.setInterval(5);
     connect(&m_timer, &QTimer::timeout, this, &ModalAnswerer::answer);
     m_timer.start();
+}
+
+bool dropFiles(QWidget* target, const QStringList& files, QPoint at) {
+    QMimeData mime;
+    QList<QUrl> urls;
+    for (const QString& f : files) urls << QUrl::fromLocalFile(f);
+    mime.setUrls(urls);
+    QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &enter);
+    QDropEvent dropped(QPointF(at), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &dropped);
+    QCoreApplication::processEvents();
+    return enter.isAccepted();
 }
 
 void ModalAnswerer::answer() {

@@ -27,6 +27,10 @@ QString demoPictureGpf2(int row);
 // associations live under the run's home.
 std::unique_ptr<Form1> makeWindow(const QString& settingsIni = {});
 
+// Files dropped on `target` at `at` as the desktop drops them (file URLs in QMimeData: a drag
+// entering, then the drop); true when the target took the drag.
+bool dropFiles(QWidget* target, const QStringList& files, QPoint at);
+
 // The ranges of the dataChanged signals a spy caught, each as "rows first-last,columns first-last".
 QStringList changedRanges(const QSignalSpy& dataChanged);
 
